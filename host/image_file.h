@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "host/document.h"
+
+namespace imgbasic::host {
+
+/// A file that cannot be read or written; the message names it, the fault and the way out.
+class FileError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads PNG, JPEG, WebP or TIFF as a document of one layer, OpenRaster with its layers. The
+/// content decides the format. Throws FileError.
+Document LoadDocument(const std::filesystem::path& path);
+
+/// How to write a document.
+struct SaveOptions {
+    int bitDepth = 0;        ///< bits a channel, 8 or 16; 0 takes the document's
+    bool overwrite = false;  ///< an existing file is an error otherwise
+};
+
+/// Writes the format that the extension names: OpenRaster keeps the layers, the others get the
+/// flattened picture. The file appears whole or not at all. Throws FileError. Returns notes for
+/// the user, such as that a format has no alpha and was flattened over white; often empty.
+std::vector<std::string> SaveDocument(const Document& document, const std::filesystem::path& path,
+                                      const SaveOptions& options);
+
+}  // namespace imgbasic::host

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#ifdef __MINGW32__
+#define IMGBASIC_PRINTF_STYLE gnu_printf
+#else
+#define IMGBASIC_PRINTF_STYLE printf
+#endif
+
+namespace imgbasic {
+
+/// Writes one line, "YYYY/MM/DD HH:MM:SS : " in local time and then the formatted message, to
+/// the debugger's output on Windows and to standard error elsewhere. `format` is UTF-8 and ends
+/// in a line feed. A message of more than 1023 bytes is cut. Never throws; safe from any thread.
+[[gnu::format(IMGBASIC_PRINTF_STYLE, 1, 2)]] void Log(const char* format, ...) noexcept;
+
+/// While it lives, log lines go to `sink` instead. Captures nest; the innermost receives.
+class LogCapture {
+  public:
+    /// `sink` receives each line whole, time stamp and line feed included.
+    explicit LogCapture(std::function<void(std::string_view line)> sink);
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+  private:
+    std::function<void(std::string_view line)> previous_;
+};
+
+}  // namespace imgbasic

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "plugin/imgbasic/process.h"
+
+namespace imgbasic {
+
+/// "chan_decomp": four new layers, one a channel, in place of the current layer. No options.
+class ChannelDecomposeImageProcess final : public ImageProcess {
+  public:
+    int BatchPrepare() override;
+    bool BatchDispose() override;
+    int Dialog(ApplyCallback apply) override;
+    int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged,
+              uint64_t unused1, uint64_t unused2, uint32_t* phaseFlag) override;
+    bool Execute(const ExecuteArgs& args) override;
+    bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override;
+    bool Dispose() override;
+
+    int32_t startLayer = -1;  ///< position at which the run started; -1 before it does
+    int32_t startSubLayer = -1;
+    bool finished = false;  ///< the end of the run has been reported
+};
+
+}  // namespace imgbasic

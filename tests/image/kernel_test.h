@@ -1,0 +1,85 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <random>
+#include <vector>
+
+#include "lib/image/rgba16.h"
+#include "lib/image/simd.h"
+
+namespace imgbasic {
+
+inline void PrintTo(const RGBA16& pixel, std::ostream* out) {
+    *out << "(" << pixel.r << ", " << pixel.g << ", " << pixel.b << ", " << pixel.a << ")";
+}
+
+/// A suite that runs once for every vector level, to compare it with the scalar one. Levels that
+/// this machine cannot run are skipped, visibly. Instantiate with kVectorLevels.
+class KernelTest : public testing::TestWithParam<SimdLevel> {
+  protected:
+    void SetUp() override {
+        if (GetParam() > SupportedSimdLevel()) {
+            GTEST_SKIP() << "this machine does not run these instructions";
+        }
+    }
+};
+
+inline const auto kVectorLevels = testing::Values(SimdLevel::Avx2, SimdLevel::Avx512);
+
+/// Pixels whose channels are a mix of any value and of those at the edges of the scale.
+inline std::vector<RGBA16> EdgyPixels(size_t count, uint32_t seed) {
+    static constexpr uint16_t kEdges[] = {0,      1,      0x7F,   0x80,   0xFF,   0x100,
+                                          0x7FFF, 0x8000, 0xFE00, 0xFEFF, 0xFF00, 0xFF01,
+                                          0xFFFF, 0xFF00, 0,      0xFF00};
+    std::mt19937 random(seed);
+    const auto channel = [&] {
+        const auto bits = static_cast<uint32_t>(random());
+        return (bits >> 16 & 1) != 0 ? static_cast<uint16_t>(bits) : kEdges[bits & 15];
+    };
+    std::vector<RGBA16> pixels(count);
+    for (RGBA16& pixel : pixels) {
+        pixel = {channel(), channel(), channel(), channel()};
+    }
+    return pixels;
+}
+
+/// Runs `kernel(dst, src, count)` at the scalar level and at `level` over all counts from 1 to 67
+/// at all offsets from a 64-byte boundary, in steps of a pixel, and expects equal pixels, nothing
+/// written outside the run.
+template <typename Kernel>
+void ExpectEqualForms(SimdLevel level, uint32_t seed, Kernel&& kernel) {
+    constexpr size_t kMaxCount = 67;
+    constexpr size_t kOffsets = 8;
+    constexpr RGBA16 kGuard{0xDEAD, 0xBEEF, 0xDEAD, 0xBEEF};
+    struct alignas(64) Aligned {
+        RGBA16 pixels[kMaxCount + 2 * kOffsets];
+    };
+    const auto src = EdgyPixels(kMaxCount + kOffsets, seed);
+    for (size_t count = 1; count <= kMaxCount; ++count) {
+        for (size_t offset = 0; offset < kOffsets; ++offset) {
+            Aligned expected;
+            std::fill(std::begin(expected.pixels), std::end(expected.pixels), kGuard);
+            Aligned actual = expected;
+            {
+                const ScopedSimdLevel scalar(SimdLevel::Scalar);
+                kernel(expected.pixels + offset, src.data() + (offset * 3) % kOffsets, count);
+            }
+            {
+                const ScopedSimdLevel vector(level);
+                kernel(actual.pixels + offset, src.data() + (offset * 3) % kOffsets, count);
+            }
+            for (size_t i = 0; i < std::size(expected.pixels); ++i) {
+                ASSERT_EQ(actual.pixels[i], expected.pixels[i])
+                    << "count " << count << ", offset " << offset << ", pixel "
+                    << static_cast<ptrdiff_t>(i) - static_cast<ptrdiff_t>(offset) << ", seed "
+                    << seed;
+            }
+        }
+    }
+}
+
+}  // namespace imgbasic

@@ -1,0 +1,236 @@
+#include "plugin/imgbasic/entry.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "plugin/imgbasic/chan_decomp.h"
+#include "plugin/imgbasic/col_reduce.h"
+#include "plugin/imgbasic/gray.h"
+#include "plugin/imgbasic/mono.h"
+#include "plugin/imgbasic/nega.h"
+#include "plugin/imgbasic/scaling.h"
+
+namespace imgbasic {
+namespace {
+
+struct FilterFacts {
+    const char* name;
+    const char* displayName;
+    bool sizeChange;
+    bool batch;
+    int phases;
+};
+
+constexpr FilterFacts kFacts[] = {
+    {"gray", "\x83O\x83\x8C\x81[\x83X\x83P\x81[\x83\x8B", false, true, 1},
+    {"MONO", "2\x8AK\x92\xB2\x89\xBB", false, true, 1},
+    {"Nega", "\x8AK\x92\xB2\x82\xCC\x94\xBD\x93]", false, true, 1},
+    {"chan_decomp", "\x83`\x83\x83\x83\x93\x83l\x83\x8B\x95\xAA\x89\xF0", false, false, 1},
+    {"CHAN_MERGE", "\x83`\x83\x83\x83\x93\x83l\x83\x8B\x8C\x8B\x8D\x87", false, false, 2},
+    {"col_reduce", "\x8C\xB8\x90\x46", false, true, 1},
+    {"scaLIng", "\x8Ag\x91\xE5\x8Fk\x8F\xAC", true, true, 1},
+};
+
+ImageProcess* Prepare(const char* name, ImageProcess* reference = nullptr) {
+    return ImagePluginPrepare2(name, 30, 20, 7, 2, 1, 0x112233, 0x445566, 1, nullptr, 2, reference);
+}
+
+bool Agree() {
+    return true;
+}
+
+bool Refuse() {
+    return false;
+}
+
+TEST(Entry, AnswersTheQueriesForEveryFilter) {
+    for (const FilterFacts& facts : kFacts) {
+        SCOPED_TRACE(facts.name);
+        EXPECT_STREQ(PluginGetName(facts.name), facts.displayName);
+        EXPECT_EQ(ImagePluginIsSizeChange(facts.name), facts.sizeChange);
+        EXPECT_EQ(ImagePluginIsBatchEnable(facts.name), facts.batch);
+        EXPECT_EQ(ImagePluginGetPhase(facts.name), facts.phases);
+    }
+}
+
+TEST(Entry, KnowsNoOtherName) {
+    // Without a terminator: only the address sanitizer sees a read past it.
+    const auto endless = std::make_unique<char[]>(12);
+    std::fill_n(endless.get(), 12, 'g');
+    const char* const unknown[] = {nullptr, "", "gra", "gray ", "grayy", "chan", endless.get()};
+    for (const char* name : unknown) {
+        int cancelled = 5;
+        EXPECT_EQ(PluginGetName(name), nullptr);
+        EXPECT_FALSE(ImagePluginIsSizeChange(name));
+        EXPECT_FALSE(ImagePluginIsBatchEnable(name));
+        EXPECT_EQ(ImagePluginGetPhase(name), 0);
+        EXPECT_EQ(Prepare(name), nullptr);
+        EXPECT_EQ(ImagePluginBatchPrepare(name, nullptr, &cancelled), nullptr);
+        EXPECT_EQ(cancelled, 5);
+        EXPECT_FALSE(ImagePluginBatchDispose(name, nullptr));
+    }
+}
+
+TEST(Entry, LeavesAnObjectAloneUnderAnUnknownName) {
+    ImageProcess* object = Prepare("scaling");
+    double x = 3;
+    double y = 4;
+    EXPECT_EQ(ImagePluginDialog("?", object, Agree), 0);
+    EXPECT_EQ(object->applyCallback, nullptr);
+    EXPECT_EQ(ImagePluginPhase2("?", object, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
+    ImagePluginAdjustScale("?", object, 0, 0, &x, &y);
+    EXPECT_FALSE(ImagePluginAdjustLocate2("?", object, 0, 0, 0, &x, &y));
+    EXPECT_EQ(x, 3);
+    EXPECT_EQ(y, 4);
+    EXPECT_FALSE(ImagePluginDispose("?", object));
+    EXPECT_FALSE(ImagePluginBatchDispose("?", object));
+    EXPECT_TRUE(ImagePluginDispose("scaling", object));
+}
+
+TEST(Entry, AnswersForANullObject) {
+    for (const FilterFacts& facts : kFacts) {
+        const char* name = facts.name;
+        EXPECT_EQ(ImagePluginDialog(name, nullptr, Agree), 0);
+        EXPECT_EQ(ImagePluginPhase2(name, nullptr, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
+        EXPECT_FALSE(ImagePluginExecute4(name, nullptr, 0, 0, -1, 0, nullptr, nullptr, nullptr,
+                                         nullptr, false, nullptr, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr));
+        ImagePluginAdjustScale(name, nullptr, 0, 0, nullptr, nullptr);
+        EXPECT_FALSE(ImagePluginAdjustLocate2(name, nullptr, 0, 0, 0, nullptr, nullptr));
+        EXPECT_FALSE(ImagePluginDispose(name, nullptr));
+        EXPECT_TRUE(ImagePluginBatchDispose(name, nullptr));
+    }
+}
+
+void ExpectCreationDefaults(const ImageProcess* object) {
+    EXPECT_EQ(object->applyCallback, nullptr);
+    EXPECT_EQ(object->TargetType, 0);
+    EXPECT_EQ(object->mergedImage, nullptr);
+    if (const auto* gray = dynamic_cast<const GrayScaleImageProcess*>(object)) {
+        EXPECT_EQ(gray->CalcMode, 0);
+        EXPECT_EQ(gray->ColorMode, 0);
+    } else if (const auto* mono = dynamic_cast<const MonoImageProcess*>(object)) {
+        EXPECT_EQ(mono->Threshold, 128);
+    } else if (const auto* reduce = dynamic_cast<const ReduceColorImageProcess*>(object)) {
+        EXPECT_EQ(reduce->ReduceColor, 16);
+        EXPECT_EQ(reduce->DitherType, 3);
+        EXPECT_FALSE(reduce->SharePalette);
+        EXPECT_FALSE(reduce->GraduateReduce);
+    } else if (const auto* scaling = dynamic_cast<const ScalingImageProcess*>(object)) {
+        EXPECT_FALSE(scaling->RatioSize);
+        EXPECT_EQ(scaling->RatioWidth, 100);
+        EXPECT_EQ(scaling->RatioHeight, 100);
+        EXPECT_TRUE(scaling->FixRatio);
+        EXPECT_EQ(scaling->InterType, 2);
+        EXPECT_EQ(scaling->BoundaryType, 0);
+        EXPECT_TRUE(scaling->BoundAlpha);
+        EXPECT_TRUE(scaling->ChangeBrush);
+        EXPECT_FALSE(scaling->skipDialog);
+    } else if (const auto* decomp = dynamic_cast<const ChannelDecomposeImageProcess*>(object)) {
+        EXPECT_EQ(decomp->startLayer, -1);
+        EXPECT_EQ(decomp->startSubLayer, -1);
+        EXPECT_FALSE(decomp->finished);
+    }
+}
+
+TEST(Entry, CreatesInteractiveObjectsWithWhatTheHostTold) {
+    ImageProcess* reference = Prepare("nega");
+    for (const FilterFacts& facts : kFacts) {
+        SCOPED_TRACE(facts.name);
+        ImageProcess* object = Prepare(facts.name, reference);
+        EXPECT_EQ(object->width, 30);
+        EXPECT_EQ(object->height, 20);
+        EXPECT_EQ(object->hostParam, 7);
+        EXPECT_EQ(object->curLayer, 2);
+        EXPECT_EQ(object->curSubLayer, 1);
+        EXPECT_EQ(object->drawColor, 0x112233U);
+        EXPECT_EQ(object->backColor, 0x445566U);
+        EXPECT_EQ(object->ownerWindow, nullptr);
+        EXPECT_EQ(object->reference, reference);
+        ExpectCreationDefaults(object);
+        EXPECT_TRUE(ImagePluginDispose(facts.name, object));
+    }
+    EXPECT_TRUE(ImagePluginDispose("nega", reference));
+}
+
+TEST(Entry, CreatesBatchObjectsWithoutAnImage) {
+    for (const FilterFacts& facts : kFacts) {
+        SCOPED_TRACE(facts.name);
+        const bool scaling = facts.sizeChange;
+        int cancelled = 5;
+        ImageProcess* object = ImagePluginBatchPrepare(facts.name, nullptr, &cancelled);
+        EXPECT_EQ(cancelled, 5) << "refused or done, but not cancelled";
+        ASSERT_EQ(object != nullptr, facts.batch);
+        if (object == nullptr) {
+            continue;
+        }
+        EXPECT_EQ(object->width, scaling ? 512 : 0) << "scaling shows percentages of 512";
+        EXPECT_EQ(object->height, scaling ? 512 : 0);
+        EXPECT_EQ(object->curLayer, 0);
+        EXPECT_EQ(object->curSubLayer, -1);
+        EXPECT_EQ(object->reference, nullptr);
+        ExpectCreationDefaults(object);
+        EXPECT_TRUE(ImagePluginBatchDispose(facts.name, object));
+    }
+}
+
+TEST(Entry, RepeatsAFilterWithTheOptionsOfItsReference) {
+    auto* monoReference = static_cast<MonoImageProcess*>(Prepare("mono"));
+    monoReference->Threshold = 200;
+    monoReference->TargetType = CurrentLayer;
+    auto* mono = static_cast<MonoImageProcess*>(Prepare("mono", monoReference));
+    EXPECT_EQ(ImagePluginDialog("mono", mono, Refuse), 0) << "refused, not cancelled";
+    EXPECT_EQ(mono->Threshold, 200);
+    EXPECT_EQ(mono->TargetType, MergedImage) << "the target is the object's own";
+    EXPECT_EQ(ImagePluginDialog("mono", mono, Agree), 1);
+    ImagePluginDispose("mono", mono);
+
+    auto* grayReference = static_cast<GrayScaleImageProcess*>(Prepare("gray"));
+    grayReference->CalcMode = 4;
+    auto* gray = static_cast<GrayScaleImageProcess*>(Prepare("gray", grayReference));
+    EXPECT_EQ(ImagePluginDialog("gray", gray, Agree), 1);
+    EXPECT_EQ(gray->CalcMode, 0) << "gray takes nothing over";
+    ImagePluginDispose("gray", gray);
+    ImagePluginDispose("gray", grayReference);
+
+    ImageProcess* wrongClass =
+        ImagePluginPrepare2("mono", 1, 1, 0, 0, -1, 0, 0, 0, nullptr, 0, Prepare("nega"));
+    ImageProcess* nega = wrongClass->reference;
+    EXPECT_EQ(ImagePluginDialog("mono", wrongClass, Agree), 1);
+    EXPECT_EQ(static_cast<MonoImageProcess*>(wrongClass)->Threshold, 128);
+    ImagePluginDispose("mono", wrongClass);
+    ImagePluginDispose("nega", nega);
+    ImagePluginDispose("mono", monoReference);
+}
+
+class ThrowingProcess final : public ImageProcess {
+  public:
+    int BatchPrepare() override { throw 1; }
+    bool BatchDispose() override { throw 1; }
+    int Dialog(ApplyCallback) override { throw 1; }
+    int Phase(int, uint32_t*, uint32_t*, const RGBA16*, uint64_t, uint64_t, uint32_t*) override {
+        throw 1;
+    }
+    bool Execute(const ExecuteArgs&) override { throw std::bad_alloc(); }
+    void AdjustScale(int, int, double*, double*) override { throw 1; }
+    bool AdjustLocate(int, int, int, double*, double*) override { throw 1; }
+    bool Dispose() override { throw 1; }
+};
+
+TEST(Entry, LetsNoExceptionReachTheHost) {
+    ThrowingProcess process;
+    EXPECT_EQ(ImagePluginDialog("nega", &process, Agree), 0);
+    EXPECT_EQ(ImagePluginPhase2("nega", &process, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
+    EXPECT_FALSE(ImagePluginExecute4("nega", &process, 0, 0, -1, 0, nullptr, nullptr, nullptr,
+                                     nullptr, false, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                     nullptr));
+    ImagePluginAdjustScale("nega", &process, 0, 0, nullptr, nullptr);
+    EXPECT_FALSE(ImagePluginAdjustLocate2("nega", &process, 0, 0, 0, nullptr, nullptr));
+    EXPECT_FALSE(ImagePluginDispose("nega", new ThrowingProcess));
+    EXPECT_TRUE(ImagePluginBatchDispose("nega", new ThrowingProcess));
+}
+
+}  // namespace
+}  // namespace imgbasic
