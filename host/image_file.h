@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "host/document.h"
 
@@ -14,8 +16,9 @@ class FileError : public std::runtime_error {
 };
 
 /// Reads PNG, JPEG, WebP or TIFF as a document of one layer, OpenRaster with its layers. The
-/// content decides the format. Throws FileError.
-Document LoadDocument(const std::filesystem::path& path);
+/// content decides the format. What cannot be shown as the file means it is told in `notes`, when
+/// given. Throws FileError.
+Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes = nullptr);
 
 /// How to write a document.
 struct SaveOptions {
@@ -28,5 +31,11 @@ struct SaveOptions {
 /// the user, such as that a format has no alpha and was flattened over white; often empty.
 std::vector<std::string> SaveDocument(const Document& document, const std::filesystem::path& path,
                                       const SaveOptions& options);
+
+/// Writes the flattened picture, at 8 bits a channel, as a PNG with a palette of exactly its
+/// colours, and returns true; returns false and writes nothing when it has more than 256. Throws
+/// FileError, also when `path` does not end in ".png".
+bool SaveIndexedPng(const Document& document, const std::filesystem::path& path,
+                    const SaveOptions& options);
 
 }  // namespace imgbasic::host

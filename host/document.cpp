@@ -1,0 +1,29 @@
+#include "host/document.h"
+
+#include <algorithm>
+
+namespace imgbasic::host {
+
+PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height) {
+    const auto holds = [](const RGBA16& pixel) { return pixel != RGBA16{}; };
+    PixelRect bounds{width, height, 0, 0};
+    for (int32_t y = 0; y < height; ++y) {
+        const auto row = pixels.begin() + int64_t{y} * width;
+        const auto first = std::find_if(row, row + width, holds);
+        if (first == row + width) {
+            continue;
+        }
+        auto last = row + width - 1;
+        // Up to the right edge found so far nothing can widen the rectangle.
+        while (last - row >= bounds.right && !holds(*last)) {
+            --last;
+        }
+        bounds.left = std::min(bounds.left, static_cast<int32_t>(first - row));
+        bounds.right = std::max(bounds.right, static_cast<int32_t>(last - row) + 1);
+        bounds.top = std::min(bounds.top, y);
+        bounds.bottom = y + 1;
+    }
+    return bounds.IsEmpty() ? PixelRect{} : bounds;
+}
+
+}  // namespace imgbasic::host

@@ -1,0 +1,50 @@
+#include "host/memory_limit.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <limits>
+
+#include "host/image_file.h"
+
+namespace imgbasic::host {
+namespace {
+
+/// Bytes that programs can still get without driving others out; unlimited where the system does
+/// not tell.
+double AvailableMemory() {
+    std::ifstream report("/proc/meminfo");
+    std::string key;
+    while (report >> key) {
+        double kibibytes = 0;
+        if (key == "MemAvailable:" && report >> kibibytes) {
+            return kibibytes * 1024;
+        }
+        report.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    }
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageSize = sysconf(_SC_PAGESIZE);
+    return pages > 0 && pageSize > 0 ? static_cast<double>(pages) * static_cast<double>(pageSize)
+                                     : std::numeric_limits<double>::infinity();
+}
+
+}  // namespace
+
+void RequireMemory(const std::string& file, int64_t width, int64_t height, size_t layers) {
+    const double needed = static_cast<double>(width) * static_cast<double>(height) *
+                          static_cast<double>(layers) * sizeof(RGBA16);
+    const double available = AvailableMemory();
+    if (needed <= available) {
+        return;
+    }
+    constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
+    char sizes[160];
+    std::snprintf(sizes, sizeof sizes,
+                  "%lld x %lld pixels in %zu layer%s need %.1f GiB of memory and %.1f GiB are free",
+                  static_cast<long long>(width), static_cast<long long>(height), layers,
+                  layers == 1 ? "" : "s", needed / kGibibyte, available / kGibibyte);
+    throw FileError(file + ": " + sizes + "; make the image smaller first");
+}
+
+}  // namespace imgbasic::host

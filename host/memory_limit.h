@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace imgbasic::host {
+
+/// Throws FileError, naming `file` and the memory needed, when `layers` layers of
+/// `width` x `height` pixels do not fit the memory that is free now.
+void RequireMemory(const std::string& file, int64_t width, int64_t height, size_t layers);
+
+}  // namespace imgbasic::host

@@ -1,0 +1,242 @@
+#include "host/raster_file.h"
+
+#include <algorithm>
+#include <memory>
+#include <vips/vips8>
+
+#include "host/flatten.h"
+#include "host/image_file.h"
+#include "host/memory_limit.h"
+#include "host/sample_depth.h"
+
+namespace imgbasic::host {
+namespace {
+
+using vips::VImage;
+
+constexpr int kBands = 4;
+
+/// Starts libvips, silent: what matters comes back as an error.
+void StartVips() {
+    static const bool started = [] {
+        if (VIPS_INIT("imgbasic") != 0) {
+            throw FileError("the image library cannot be started; check its installation");
+        }
+        g_log_set_handler(
+            "VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_RECURSION),
+            [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+        // A file that is read again may have changed.
+        vips_cache_set_max(0);
+        return true;
+    }();
+    (void)started;
+}
+
+/// The last thing that libvips complained about, in one line; its buffer is empty then.
+std::string TakeVipsError() {
+    std::string text = vips_error_buffer();
+    vips_error_clear();
+    text.erase(std::find_if(text.rbegin(), text.rend(), [](char c) { return c != '\n'; }).base(),
+               text.end());
+    const size_t lineBreak = text.rfind('\n');
+    return lineBreak == std::string::npos ? text : text.substr(lineBreak + 1);
+}
+
+/// Upright, 8 or 16 bits of sRGB and alpha, whatever it was.
+VImage Normalized(VImage image) {
+    if (vips_image_get_orientation(image.get_image()) > 1) {
+        // Turning needs the rows in another order than the file has them.
+        image = image.copy_memory().autorot();
+    }
+    const bool deep = image.format() != VIPS_FORMAT_UCHAR;
+    const VipsInterpretation wanted = deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
+    if (image.interpretation() != wanted) {
+        image = image.colourspace(wanted);
+    }
+    image = image.cast(deep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
+    if (!image.has_alpha()) {
+        image = image.bandjoin(deep ? 65535 : 255);
+    }
+    return image.bands() == kBands ? image
+                                   : image.extract_band(0, VImage::option()->set("n", kBands));
+}
+
+/// Decodes `image`'s pixels by `fromFile`, which turns one channel's value into a document's.
+template <typename Sample>
+std::vector<RGBA16> PixelsOf(const VImage& image, uint16_t (*fromFile)(Sample)) {
+    size_t size = 0;
+    const std::unique_ptr<void, decltype(&g_free)> memory(image.write_to_memory(&size), g_free);
+    const std::span samples(static_cast<const Sample*>(memory.get()), size / sizeof(Sample));
+    std::vector<RGBA16> pixels(samples.size() / kBands);
+    auto sample = samples.begin();
+    for (RGBA16& pixel : pixels) {
+        pixel = {fromFile(sample[0]), fromFile(sample[1]), fromFile(sample[2]),
+                 fromFile(sample[3])};
+        sample += kBands;
+    }
+    return pixels;
+}
+
+struct FormatTraits {
+    const char* name;
+    const char* suffix;  ///< by which libvips knows the encoder
+    VImage (*load)(vips::VSource source, vips::VOption* options);
+    bool alpha;
+    bool deep;  ///< holds 16 bits a channel
+};
+
+FormatTraits TraitsOf(RasterFormat format) {
+    switch (format) {
+        case RasterFormat::Jpeg:
+            return {"JPEG", ".jpg", VImage::jpegload_source, false, false};
+        case RasterFormat::WebP:
+            return {"WebP", ".webp", VImage::webpload_source, true, false};
+        case RasterFormat::Tiff:
+            return {"TIFF", ".tif", VImage::tiffload_source, true, true};
+        case RasterFormat::Png:
+            break;
+    }
+    return {"PNG", ".png", VImage::pngload_source, true, true};
+}
+
+Picture Decode(const vips::VSource& source, RasterFormat format, const std::string& name,
+               std::vector<std::string>& notes) {
+    const VImage file = TraitsOf(format).load(source, VImage::option()
+                                                          ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                                                          ->set("fail_on", VIPS_FAIL_ON_ERROR));
+    RequireMemory(name, file.width(), file.height(), 1);
+    if (const int pages = vips_image_get_n_pages(file.get_image()); pages > 1) {
+        notes.push_back(name + ": has " + std::to_string(pages) + " pages; the first one is used");
+    }
+    const VImage image = Normalized(file);
+    Picture picture;
+    picture.width = image.width();
+    picture.height = image.height();
+    picture.bitDepth = image.format() == VIPS_FORMAT_UCHAR ? 8 : 16;
+    picture.pixels = picture.bitDepth == 8 ? PixelsOf<uint8_t>(image, FromDepth8)
+                                           : PixelsOf<uint16_t>(image, FromDepth16);
+    return picture;
+}
+
+/// Does `work`, a call into libvips, and turns its errors into ours, around its own last line.
+template <typename Work>
+auto Guarded(const std::string& before, const std::string& after, Work work) {
+    StartVips();
+    try {
+        return work();
+    } catch (const vips::VError&) {
+        throw FileError(before + " (" + TakeVipsError() + ")" + after);
+    }
+}
+
+template <typename Open>
+Picture DecodeSource(RasterFormat format, const std::string& name, std::vector<std::string>& notes,
+                     Open open) {
+    return Guarded(name + ": is damaged or incomplete", "; get another copy of it",
+                   [&] { return Decode(open(), format, name, notes); });
+}
+
+/// An image for libvips that keeps its samples alive.
+template <typename Sample>
+struct SampledImage {
+    std::vector<Sample> samples;
+    VImage image;
+};
+
+/// The pixels' three or four first channels, by `toFile` for every value.
+template <typename Sample>
+SampledImage<Sample> Sampled(const Picture& picture, int bands, Sample (*toFile)(uint16_t)) {
+    std::vector<Sample> samples;
+    samples.reserve(picture.pixels.size() * static_cast<size_t>(bands));
+    for (RGBA16 pixel : picture.pixels) {
+        if (bands == kBands) {
+            samples.insert(samples.end(),
+                           {toFile(pixel.r), toFile(pixel.g), toFile(pixel.b), toFile(pixel.a)});
+        } else {
+            pixel = Composite(pixel, CompositionKind::Normal,
+                              {kFullScale, kFullScale, kFullScale, kFullScale});
+            samples.insert(samples.end(), {toFile(pixel.r), toFile(pixel.g), toFile(pixel.b)});
+        }
+    }
+    constexpr bool kDeep = sizeof(Sample) == 2;
+    const VImage image =
+        VImage::new_from_memory(samples.data(), samples.size() * sizeof(Sample), picture.width,
+                                picture.height, bands,
+                                kDeep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR)
+            .copy(VImage::option()->set(
+                "interpretation", kDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB));
+    return {std::move(samples), image};
+}
+
+vips::VOption* EncoderOptions(RasterFormat format) {
+    vips::VOption* const options = VImage::option();
+    switch (format) {
+        case RasterFormat::Jpeg:
+            return options->set("Q", 95)->set("subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF);
+        case RasterFormat::WebP:
+            return options->set("lossless", true);
+        case RasterFormat::Tiff:
+            return options->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE)
+                ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL);
+        case RasterFormat::Png:
+            break;
+    }
+    return options->set("compression", 6);
+}
+
+std::vector<std::byte> Encoded(const VImage& image, RasterFormat format) {
+    void* data = nullptr;
+    size_t size = 0;
+    image.write_to_buffer(TraitsOf(format).suffix, &data, &size, EncoderOptions(format));
+    const std::unique_ptr<void, decltype(&g_free)> memory(data, g_free);
+    const auto* const first = static_cast<const std::byte*>(data);
+    return {first, first + size};
+}
+
+}  // namespace
+
+Picture DecodeRaster(std::span<const std::byte> bytes, RasterFormat format, const std::string& name,
+                     std::vector<std::string>& notes) {
+    return DecodeSource(format, name, notes,
+                        [&] { return vips::VSource::new_from_memory(bytes.data(), bytes.size()); });
+}
+
+Picture ReadRasterFile(const std::string& path, RasterFormat format,
+                       std::vector<std::string>& notes) {
+    return DecodeSource(format, path, notes,
+                        [&] { return vips::VSource::new_from_file(path.c_str()); });
+}
+
+std::vector<std::byte> EncodeRaster(const Picture& picture, RasterFormat format,
+                                    const std::string& name, std::vector<std::string>& notes) {
+    const FormatTraits traits = TraitsOf(format);
+    const bool opaque = std::ranges::all_of(
+        picture.pixels, [](const RGBA16& pixel) { return pixel.a == kFullScale; });
+    if (!opaque && !traits.alpha) {
+        notes.push_back(name + ": " + traits.name +
+                        " has no transparency, so the picture was laid over white; PNG keeps it");
+    }
+    if (picture.bitDepth == 16 && !traits.deep) {
+        notes.push_back(name + ": " + traits.name +
+                        " has 8 bits a channel, the picture had 16; PNG and TIFF keep them");
+    }
+    const int bands = opaque || !traits.alpha ? kBands - 1 : kBands;
+    return Guarded(name + ": cannot be encoded as " + traits.name, "; save it as PNG instead", [&] {
+        return picture.bitDepth == 16 && traits.deep
+                   ? Encoded(Sampled<uint16_t>(picture, bands, ToDepth16).image, format)
+                   : Encoded(Sampled<uint8_t>(picture, bands, ToDepth8).image, format);
+    });
+}
+
+std::vector<std::byte> EncodeThumbnail(const Picture& picture, const std::string& name) {
+    constexpr int kLargest = 256;
+    return Guarded(name + ": cannot be given a thumbnail", "; save it as PNG instead", [&] {
+        const SampledImage<uint8_t> sampled = Sampled<uint8_t>(picture, kBands, ToDepth8);
+        return Encoded(
+            sampled.image.thumbnail_image(
+                kLargest, VImage::option()->set("height", kLargest)->set("size", VIPS_SIZE_DOWN)),
+            RasterFormat::Png);
+    });
+}
+
+}  // namespace imgbasic::host

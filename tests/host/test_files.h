@@ -1,0 +1,141 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/document.h"
+#include "host/image_file.h"
+
+namespace imgbasic::host {
+
+/// A folder of its own for every test, removed at the end.
+class FileTest : public testing::Test {
+  protected:
+    FileTest() { std::filesystem::create_directories(folder_); }
+    ~FileTest() override { std::filesystem::remove_all(folder_); }
+
+    std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
+
+    std::string Bytes(const std::string& name) const {
+        std::ifstream file(Path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    void WriteBytes(const std::string& name, const std::string& bytes) const {
+        std::ofstream(Path(name), std::ios::binary) << bytes;
+    }
+
+    /// The message of the FileError that loading gives, or what it did instead.
+    std::string LoadError(const std::string& name) const {
+        try {
+            (void)LoadDocument(Path(name));
+        } catch (const FileError& error) {
+            return error.what();
+        }
+        return "loaded without an error";
+    }
+
+    std::string SaveError(const Document& document, const std::string& name,
+                          const SaveOptions& options = {}) const {
+        try {
+            (void)SaveDocument(document, Path(name), options);
+        } catch (const FileError& error) {
+            return error.what();
+        }
+        return "saved without an error";
+    }
+
+  private:
+    std::filesystem::path folder_ = std::filesystem::temp_directory_path() /
+                                    ("imgbasic_" + std::to_string(getpid()) + "_" +
+                                     testing::UnitTest::GetInstance()->current_test_info()->name());
+};
+
+/// Random documents; the fully transparent and the opaque are as frequent as the rest.
+class RandomDocuments {
+  public:
+    explicit RandomDocuments(uint32_t seed) : random_(seed) {}
+
+    uint32_t Below(uint32_t limit) { return static_cast<uint32_t>(random_() % limit); }
+
+    RGBA16 Pixel(int bitDepth) {
+        const auto channel = [&] {
+            return static_cast<uint16_t>(bitDepth == 8 ? Below(256) * 256 : Below(kFullScale + 1));
+        };
+        RGBA16 pixel{channel(), channel(), channel(), channel()};
+        const uint16_t alphas[] = {0, kFullScale, pixel.a};
+        pixel.a = alphas[Below(3)];
+        return pixel;
+    }
+
+    std::vector<RGBA16> Pixels(size_t count, int bitDepth) {
+        std::vector<RGBA16> pixels(count);
+        std::ranges::generate(pixels, [&] { return Pixel(bitDepth); });
+        return pixels;
+    }
+
+    Layer AnyLayer(int32_t width, int32_t height) {
+        Layer layer = Attributes<Layer>();
+        layer.pixels.resize(PixelCount(width, height));
+        if (Below(4) != 0) {
+            for (RGBA16& pixel : std::span(layer.pixels).subspan(Below(40))) {
+                pixel = Pixel(16);
+            }
+        }
+        layer.bounds = BoundsOf(layer.pixels, width, height);
+        return layer;
+    }
+
+    Document AnyDocument(int32_t width, int32_t height) {
+        Document document{width, height, Below(2) == 0 ? 8 : 16, {}};
+        for (uint32_t i = Below(6); i > 0; --i) {
+            if (Below(3) != 0) {
+                document.items.emplace_back(AnyLayer(width, height));
+                continue;
+            }
+            Folder folder = Attributes<Folder>();
+            for (uint32_t k = Below(4); k > 0; --k) {
+                folder.layers.push_back(AnyLayer(width, height));
+            }
+            document.items.emplace_back(std::move(folder));
+        }
+        return document;
+    }
+
+  private:
+    template <typename LayerOrFolder>
+    LayerOrFolder Attributes() {
+        const char* const names[] = {"", "plain", "空 & <雲> \"quoted\" 'x'", "a\tb"};
+        LayerOrFolder member;
+        member.name = names[Below(4)];
+        member.opacity = Below(2) == 0 ? 100 : Below(101);
+        member.kind = Below(3) == 0 ? CompositionKind::Additive : CompositionKind::Normal;
+        member.clip = Below(3) == 0;
+        member.visible = Below(5) != 0;
+        return member;
+    }
+
+    std::mt19937 random_;
+};
+
+/// A document of one layer.
+inline Document OneLayer(int32_t width, int32_t height, int bitDepth, std::vector<RGBA16> pixels) {
+    Layer layer;
+    layer.bounds = BoundsOf(pixels, width, height);
+    layer.pixels = std::move(pixels);
+    Document document{width, height, bitDepth, {}};
+    document.items.emplace_back(std::move(layer));
+    return document;
+}
+
+}  // namespace imgbasic::host
