@@ -11,6 +11,7 @@
 #include "plugin/imgbasic/mono.h"
 #include "plugin/imgbasic/nega.h"
 #include "plugin/imgbasic/scaling.h"
+#include "tests/plugin/private_store.h"
 
 namespace imgbasic {
 namespace {
@@ -156,6 +157,7 @@ TEST(Entry, CreatesInteractiveObjectsWithWhatTheHostTold) {
 }
 
 TEST(Entry, CreatesBatchObjectsWithoutAnImage) {
+    ClearPrivateStore();
     for (const FilterFacts& facts : kFacts) {
         SCOPED_TRACE(facts.name);
         const bool scaling = facts.sizeChange;

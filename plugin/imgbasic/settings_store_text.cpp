@@ -1,0 +1,293 @@
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "plugin/imgbasic/settings_store.h"
+
+// The store where there is no registry: one text file in the form of a registry export. Lines
+// that mean nothing here are kept as they are.
+
+namespace imgbasic {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kSignature = "REGEDIT4";
+constexpr std::string_view kNumberMark = "dword:";
+/// Far beyond what the filters write; a larger file is somebody else's and stays untouched.
+constexpr size_t kLargestFile = size_t{1} << 20;
+
+using Lines = std::vector<std::string>;
+
+/// The user's home as the password database names it; empty when it names none.
+fs::path HomeOfUser() {
+    std::vector<char> buffer(1024);
+    passwd entry{};
+    passwd* found = nullptr;
+    while (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE &&
+           buffer.size() < kLargestFile) {
+        buffer.resize(buffer.size() * 2);
+    }
+    return found != nullptr && found->pw_dir != nullptr ? fs::path(found->pw_dir) : fs::path();
+}
+
+fs::path StorePath() {
+    if (ImgbasicSettingsFile != nullptr) {
+        return ImgbasicSettingsFile();
+    }
+    const fs::path home = HomeOfUser();
+    return home.is_absolute() ? home / ".config" / "imgbasic" / "settings.reg" : fs::path();
+}
+
+/// A file descriptor that closes itself.
+class File {
+  public:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+    ~File() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    int Get() const { return descriptor_; }
+
+  private:
+    int descriptor_;
+};
+
+/// The file's lines without their ends; none when there is no such file, nothing when it cannot
+/// be read or is not ours to read.
+std::optional<Lines> ReadLines(const fs::path& path) {
+    if (path.empty()) {
+        return std::nullopt;
+    }
+    // Without O_NONBLOCK a named pipe would block until somebody writes to it.
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (file.Get() < 0) {
+        return errno == ENOENT ? std::optional(Lines{}) : std::nullopt;
+    }
+    struct stat status {};
+    if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    std::string text(kLargestFile + 1, '\0');
+    size_t length = 0;
+    ssize_t got = 0;
+    while (length < text.size() &&
+           (got = read(file.Get(), text.data() + length, text.size() - length)) > 0) {
+        length += static_cast<size_t>(got);
+    }
+    if (got < 0 || length > kLargestFile) {
+        return std::nullopt;
+    }
+    text.resize(length);
+    Lines lines;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find('\n', begin), text.size());
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return lines;
+}
+
+bool WriteWhole(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0) {
+            return false;
+        }
+        text.remove_prefix(static_cast<size_t>(written));
+    }
+    return fsync(descriptor) == 0;
+}
+
+/// Replaces the file at once, so that whatever happens there is the old one or the new one.
+bool WriteLines(const fs::path& path, const Lines& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line;
+        text += '\n';
+    }
+    std::error_code error;
+    // A link stays a link.
+    const fs::path target = fs::is_symlink(path, error) ? fs::canonical(path, error) : path;
+    fs::create_directories(target.parent_path(), error);
+    std::string temporary = target.string() + ".XXXXXX";
+    const File file(mkstemp(temporary.data()));
+    if (file.Get() < 0) {
+        return false;
+    }
+    if (!WriteWhole(file.Get(), text) || rename(temporary.c_str(), target.c_str()) != 0) {
+        unlink(temporary.c_str());
+        return false;
+    }
+    return true;
+}
+
+/// As the registry compares names: ASCII letters in either case.
+bool SameName(std::string_view a, std::string_view b) {
+    const auto lower = [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+std::string_view Trimmed(std::string_view line) {
+    constexpr std::string_view kBlank = " \t\r";
+    const size_t begin = std::min(line.find_first_not_of(kBlank), line.size());
+    return line.substr(begin, line.find_last_not_of(kBlank) + 1 - begin);
+}
+
+std::string SectionLine(const char* filter) {
+    return std::string("[HKEY_CURRENT_USER\\Software\\orvex\\brelo2\\plugin\\imgbasic\\") + filter +
+           "]";
+}
+
+bool IsSectionLine(std::string_view line) {
+    return Trimmed(line).starts_with('[');
+}
+
+/// What stands behind `"name"=` in the line, if it is that value's.
+std::optional<std::string_view> ValueText(std::string_view line, std::string_view name) {
+    line = Trimmed(line);
+    if (line.size() < name.size() + 3 || line[0] != '"' ||
+        !SameName(line.substr(1, name.size()), name) || line.substr(name.size() + 1, 2) != "\"=") {
+        return std::nullopt;
+    }
+    return line.substr(name.size() + 3);
+}
+
+std::optional<uint32_t> ParseNumber(std::string_view text) {
+    if (!SameName(text.substr(0, kNumberMark.size()), kNumberMark)) {
+        return std::nullopt;
+    }
+    text.remove_prefix(kNumberMark.size());
+    uint32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(number)
+                                                                    : std::nullopt;
+}
+
+std::string ValueLine(const StoredNumber& value) {
+    char digits[9];
+    std::snprintf(digits, sizeof digits, "%08x", value.number);
+    return std::string("\"") + value.name + "\"=" + std::string(kNumberMark) + digits;
+}
+
+/// A section's lines, from behind its heading to the next one or the end.
+struct Section {
+    size_t begin;
+    size_t end;
+};
+
+/// The sections of this filter; an import takes them one after the other.
+std::vector<Section> SectionsOf(const Lines& lines, const char* filter) {
+    const std::string heading = SectionLine(filter);
+    std::vector<Section> sections;
+    bool inside = false;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (IsSectionLine(lines[i])) {
+            inside = SameName(Trimmed(lines[i]), heading);
+            if (inside) {
+                sections.push_back({i + 1, i + 1});
+            }
+        } else if (inside) {
+            sections.back().end = i + 1;
+        }
+    }
+    return sections;
+}
+
+void SetValue(Lines& lines, Section& section, const StoredNumber& value) {
+    bool replaced = false;
+    size_t behindLast = section.begin;
+    for (size_t i = section.begin; i < section.end; ++i) {
+        if (ValueText(lines[i], value.name)) {
+            lines[i] = ValueLine(value);
+            replaced = true;
+        }
+        if (!Trimmed(lines[i]).empty()) {
+            behindLast = i + 1;
+        }
+    }
+    if (!replaced) {
+        lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(behindLast), ValueLine(value));
+        ++section.end;
+    }
+}
+
+}  // namespace
+
+bool QueryStore(const char* filter, std::span<StoredNumber> values) {
+    const auto lines = ReadLines(StorePath());
+    if (!lines) {
+        return false;
+    }
+    const std::vector<Section> sections = SectionsOf(*lines, filter);
+    for (const Section& section : sections) {
+        for (size_t i = section.begin; i < section.end; ++i) {
+            for (StoredNumber& value : values) {
+                if (const auto text = ValueText((*lines)[i], value.name)) {
+                    const auto number = ParseNumber(*text);
+                    value.number = number.value_or(0);
+                    value.size = number ? sizeof *number : 0;
+                }
+            }
+        }
+    }
+    return !sections.empty();
+}
+
+bool WriteStore(const char* filter, std::span<const StoredNumber> values) {
+    const fs::path path = StorePath();
+    auto lines = ReadLines(path);
+    if (!lines) {
+        return false;
+    }
+    if (lines->empty()) {
+        lines->push_back(std::string(kSignature));
+    }
+    std::vector<Section> sections = SectionsOf(*lines, filter);
+    if (sections.empty()) {
+        lines->emplace_back();
+        lines->push_back(SectionLine(filter));
+        sections.push_back({lines->size(), lines->size()});
+    }
+    for (const StoredNumber& value : values) {
+        SetValue(*lines, sections.back(), value);
+    }
+    return WriteLines(path, *lines);
+}
+
+bool RemoveFromStore(const char* filter) {
+    const fs::path path = StorePath();
+    auto lines = ReadLines(path);
+    if (!lines) {
+        return false;
+    }
+    std::vector<Section> sections = SectionsOf(*lines, filter);
+    if (sections.empty()) {
+        return true;
+    }
+    for (auto section = sections.rbegin(); section != sections.rend(); ++section) {
+        const auto first = lines->begin() + static_cast<std::ptrdiff_t>(section->begin);
+        lines->erase(first - 1, lines->begin() + static_cast<std::ptrdiff_t>(section->end));
+    }
+    return WriteLines(path, *lines);
+}
+
+}  // namespace imgbasic
