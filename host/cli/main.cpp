@@ -1,0 +1,106 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+#include "host/cli/file_jobs.h"
+#include "host/cli/filter_command.h"
+#include "host/cli/report.h"
+#include "host/cli/show_commands.h"
+
+namespace imgbasic::host {
+namespace {
+
+constexpr int kUsageStatus = 2;
+
+std::filesystem::path ModuleBesideProgram() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libimgbasic.so";
+}
+
+/// The library's layout of the help without its remarks on what an option excludes or requires;
+/// where that matters the texts say it.
+class HelpLayout : public CLI::Formatter {
+  public:
+    HelpLayout() { column_width(22); }
+
+    std::string make_help(const CLI::App* app, std::string name,
+                          CLI::AppFormatMode mode) const override {
+        std::string help = CLI::Formatter::make_help(app, std::move(name), mode);
+        for (size_t at = help.find("\n\n\n"); at != std::string::npos; at = help.find("\n\n\n")) {
+            help.erase(at, 1);
+        }
+        return help;
+    }
+
+    std::string make_option_opts(const CLI::Option* option) const override {
+        const std::string type = option->get_type_name();
+        return type.empty() ? "" : " " + type;
+    }
+
+    std::string make_usage(const CLI::App* app, std::string name) const override {
+        std::string usage = "Usage: " + name;
+        if (app->get_option_no_throw("IN") != nullptr) {
+            usage += " IN... -o OUT [OPTIONS]";
+        } else if (app->get_option_no_throw("FILE") != nullptr) {
+            usage += " FILE";
+        } else if (app->get_parent() == nullptr) {
+            usage += " [--module FILE] COMMAND ...";
+        }
+        return usage + "\n";
+    }
+};
+
+int Run(int argc, char** argv) {
+    CLI::App app("Image filters from a plug-in module, run over files.", "imgbasic");
+    app.formatter(std::make_shared<HelpLayout>());
+    app.set_help_flag("-h,--help", "Show this help");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer("\n`imgbasic COMMAND --help` explains a command.");
+    std::filesystem::path modulePath;
+    app.add_option("--module", modulePath, "The filter module (libimgbasic.so beside the program)")
+        ->type_name("FILE");
+    int status = EXIT_SUCCESS;
+
+    const auto loadModule = [&] {
+        return LoadModule(modulePath.empty() ? ModuleBesideProgram() : modulePath);
+    };
+    AddFilterCommands(app, [&](const FilterCommand& command) {
+        status = RunFilterCommand(loadModule(), command) ? EXIT_SUCCESS : EXIT_FAILURE;
+    });
+    app.add_subcommand("list", "Show what the module's filters are called and can do")
+        ->footer("")
+        ->callback([&] { ListFilters(loadModule()); });
+    std::filesystem::path file;
+    auto* info = app.add_subcommand("info", "Show the size and the layers of an image");
+    info->add_option("FILE", file, "An image")->required()->type_name("");
+    info->footer("");
+    info->callback([&] { ShowFile(file); });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::ParseError& fault) {
+        throw UsageError(std::string(fault.what()) + "; --help tells more");
+    }
+    return status;
+}
+
+}  // namespace
+}  // namespace imgbasic::host
+
+int main(int argc, char** argv) {
+    using namespace imgbasic::host;
+    const Report report(false);
+    try {
+        return Run(argc, argv);
+    } catch (const UsageError& fault) {
+        report.Error(fault.what());
+        return kUsageStatus;
+    } catch (const std::exception& fault) {
+        report.Error(fault.what());
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,185 @@
+#include <chrono>
+#include <cstdio>
+
+#include "host/cli/file_jobs.h"
+#include "host/cli/filter_command.h"
+#include "host/cli/picture_change.h"
+#include "host/cli/report.h"
+
+namespace imgbasic::host {
+namespace {
+
+/// A fault of one file; the message goes behind the file's name.
+class JobError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Whether the run works on the current layer only; what the module remembers is not known here.
+bool AimsAtLayer(const FilterCommand& command) {
+    return command.target == CurrentLayer;
+}
+
+LayerPosition CurrentPosition(const FilterCommand& command, const Document& document) {
+    const LayerPosition position{command.layer.value_or(0), command.subLayer.value_or(-1)};
+    const auto count = static_cast<int32_t>(document.items.size());
+    if (position.item >= count) {
+        throw JobError("has no layer " + std::to_string(position.item) + ", only " +
+                       std::to_string(count) + "; `imgbasic info` lists them");
+    }
+    const auto* folder = std::get_if<Folder>(&document.items[static_cast<size_t>(position.item)]);
+    if (position.layer >= 0 &&
+        (folder == nullptr || position.layer >= static_cast<int32_t>(folder->layers.size()))) {
+        throw JobError("layer " + std::to_string(position.item) +
+                       (folder == nullptr ? " is no folder" : " is a smaller folder") +
+                       "; `imgbasic info` lists the layers");
+    }
+    if (AimsAtLayer(command) && folder != nullptr && position.layer < 0) {
+        throw JobError("layer " + std::to_string(position.item) +
+                       " is a folder; choose one of its layers with --sub-layer");
+    }
+    return position;
+}
+
+RunRequest RequestFor(const FilterCommand& command, const Document& document,
+                      ImageProcess* reference) {
+    RunRequest request{.filter = command.filter,
+                       .current = CurrentPosition(command, document),
+                       .drawColor = command.drawColor,
+                       .backColor = command.backColor,
+                       .reference = reference,
+                       .rememberOptions = command.remember};
+    if (reference != nullptr) {
+        request.options = ReadOptions(command.filter, *reference);
+    }
+    request.options.insert(request.options.end(), command.options.begin(), command.options.end());
+    if (!command.size.IsEmpty()) {
+        const PixelSize size = ScaledSize(command.size, {document.width, document.height});
+        request.options.push_back(Option(command.filter, "newWidth", size.width));
+        request.options.push_back(Option(command.filter, "newHeight", size.height));
+    }
+    return request;
+}
+
+void Save(const FilterCommand& command, const FileJob& job, const Document& document,
+          const Report& report) {
+    if (command.indexed) {
+        if (!SaveIndexedPng(document, job.output, command.save)) {
+            throw JobError("the result has more than 256 colours; leave out --indexed");
+        }
+        return;
+    }
+    for (const std::string& note : SaveDocument(document, job.output, command.save)) {
+        report.Note(job.output.string() + ": " + note);
+    }
+}
+
+class Stopwatch {
+  public:
+    double Milliseconds() const {
+        return std::chrono::duration<double, std::milli>(Clock::now() - start_).count();
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point start_ = Clock::now();
+};
+
+std::string SizeText(const Document& document) {
+    return std::to_string(document.width) + " x " + std::to_string(document.height);
+}
+
+void Tell(const FilterCommand& command, const FileJob& job, const Document& source,
+          const Document& result, double milliseconds, const Report& report) {
+    char time[32];
+    std::snprintf(time, sizeof time, "%.1f ms", milliseconds);
+    std::string text = job.input.string() + ": " + command.filter + ", " + SizeText(source);
+    if (SizeText(source) != SizeText(result)) {
+        text += " to " + SizeText(result);
+    }
+    text.append(" pixels, ").append(time);
+    if (command.filter == "col_reduce") {
+        text += ", " + DescribeReduction(source, result);
+    }
+    report.Note(text);
+}
+
+void Process(const Module& module, const FilterCommand& command, ImageProcess* reference,
+             const FileJob& job, const Report& report) {
+    if (!command.save.overwrite && std::filesystem::exists(job.output)) {
+        throw FileError(job.output.string() + ": exists already; --force overwrites it");
+    }
+    std::vector<std::string> notes;
+    const Document document = LoadDocument(job.input, &notes);
+    for (const std::string& note : notes) {
+        report.Note(job.input.string() + ": " + note);
+    }
+    const RunRequest request = RequestFor(command, document, reference);
+    const Stopwatch stopwatch;
+    const RunOutcome outcome = RunFilter(module, document, request);
+    const double milliseconds = stopwatch.Milliseconds();
+    if (outcome.status == RunStatus::Failed || outcome.status == RunStatus::Cancelled) {
+        throw JobError((outcome.status == RunStatus::Failed ? outcome.fault : "cancelled") +
+                       "; nothing was written");
+    }
+    const Document& result = outcome.status == RunStatus::Done ? outcome.document : document;
+    Save(command, job, result, report);
+    if (command.verbose) {
+        Tell(command, job, document, result, milliseconds, report);
+    }
+    report.Written(job.output);
+}
+
+/// Does one job and reports its faults.
+bool TryJob(const Module& module, const FilterCommand& command, ImageProcess* reference,
+            const FileJob& job, const Report& report) {
+    try {
+        Process(module, command, reference, job, report);
+        return true;
+    } catch (const FileError& fault) {
+        report.Error(fault.what());
+    } catch (const std::bad_alloc&) {
+        report.Error(job.input.string() + ": there is not enough memory; use fewer --jobs");
+    } catch (const std::exception& fault) {
+        report.Error(job.input.string() + ": " + fault.what());
+    }
+    return false;
+}
+
+}  // namespace
+
+bool RunFilterCommand(const Module& module, const FilterCommand& given) {
+    const Report report(given.quiet);
+    FilterCommand command = given;
+    if (command.layer && !command.target && FindOption(command.filter, "TargetType") != nullptr) {
+        command.target = CurrentLayer;
+    }
+    if (command.target) {
+        command.options.push_back(Option(command.filter, "TargetType", *command.target));
+    }
+    if (command.size.ratio) {
+        command.options.push_back(Option(command.filter, "RatioSize", 1));
+        command.options.push_back(Option(command.filter, "RatioWidth", *command.size.ratio));
+        command.options.push_back(Option(command.filter, "RatioHeight",
+                                         command.size.ratioHeight.value_or(*command.size.ratio)));
+    }
+    if (command.filter == "scaling" && command.size.IsEmpty()) {
+        throw UsageError("scaling needs a size: --ratio, --fit, --width or --height");
+    }
+    const std::vector<FileJob> jobs = PlanJobs(command.inputs, command.output);
+    // A batch's object never asks the host for a run, so it has no chance to take new options in
+    // before it stores them.
+    FilterObject batch;
+    if (jobs.size() > 1 && !command.remember && module.isBatchEnable(command.filter.c_str())) {
+        bool cancelled = false;
+        batch = PrepareBatch(module, command.filter, nullptr, cancelled);
+        if (cancelled) {
+            throw UsageError("cancelled");
+        }
+    }
+    return DoJobs(jobs, command.jobs, report, [&](const FileJob& job) {
+        return TryJob(module, command, batch.get(), job, report);
+    });
+}
+
+}  // namespace imgbasic::host

@@ -1,0 +1,125 @@
+#include "host/driver.h"
+
+#include <exception>
+#include <utility>
+
+#include "host/layer_run.h"
+
+namespace imgbasic::host {
+namespace {
+
+/// A run in progress. The module's callback takes nothing, so the one that it means is static.
+class ActiveRun {
+  public:
+    ActiveRun(const Module& module, const Document& document, const RunRequest& request)
+        : module_(module), document_(document), request_(request) {
+        active_ = this;
+    }
+    ~ActiveRun() { active_ = nullptr; }
+    ActiveRun(const ActiveRun&) = delete;
+    ActiveRun& operator=(const ActiveRun&) = delete;
+
+    static bool Exists() { return active_ != nullptr; }
+
+    RunOutcome Run();
+
+  private:
+    static bool ApplyActive() { return active_ != nullptr && active_->Apply(); }
+
+    bool Apply();
+    RunOutcome RunOnce();
+    void FollowNewSize(RunOutcome& outcome);
+
+    inline static ActiveRun* active_ = nullptr;
+
+    const Module& module_;
+    const Document& document_;
+    const RunRequest& request_;
+    FilterObject object_;
+    bool applying_ = false;
+    RunOutcome outcome_;
+};
+
+RunOutcome Failure(std::string fault) {
+    return {.status = RunStatus::Failed, .fault = std::move(fault)};
+}
+
+RunOutcome ActiveRun::Run() {
+    const char* filter = request_.filter.c_str();
+    object_ = {module_.prepare(filter, document_.width, document_.height, 0, request_.current.item,
+                               request_.current.layer, request_.drawColor, request_.backColor, 0,
+                               request_.ownerWindow, 0, request_.reference),
+               {module_.dispose, request_.filter}};
+    if (!object_) {
+        return Failure("the module has no filter '" + request_.filter + "'");
+    }
+    const int confirmed = module_.dialog(filter, object_.get(), &ApplyActive);
+    if (confirmed != 1 && outcome_.status != RunStatus::Failed) {
+        return {.status = RunStatus::Cancelled};
+    }
+    return std::move(outcome_);
+}
+
+bool ActiveRun::Apply() {
+    if (applying_) {
+        return false;
+    }
+    applying_ = true;
+    // The module's dialog stores the object's fields when it is confirmed, after this call.
+    const std::vector<OptionValue> loaded = ExchangeOptions(*object_, request_.options);
+    try {
+        outcome_ = RunOnce();
+    } catch (const std::bad_alloc&) {
+        outcome_ = Failure("there is not enough memory for the run");
+    } catch (const std::exception& fault) {
+        outcome_ = Failure(fault.what());
+    }
+    if (!request_.rememberOptions) {
+        ExchangeOptions(*object_, loaded);
+    }
+    applying_ = false;
+    return outcome_.status != RunStatus::Failed;
+}
+
+RunOutcome ActiveRun::RunOnce() {
+    LayerRun run(module_, request_.filter, *object_, document_);
+    if (!run.Run()) {
+        return {.status = RunStatus::NothingToDo, .points = request_.points};
+    }
+    RunOutcome outcome{
+        .status = RunStatus::Done, .document = run.TakeDocument(), .points = request_.points};
+    if (outcome.document.width != document_.width || outcome.document.height != document_.height) {
+        FollowNewSize(outcome);
+    }
+    return outcome;
+}
+
+void ActiveRun::FollowNewSize(RunOutcome& outcome) {
+    const char* filter = request_.filter.c_str();
+    module_.adjustScale(filter, object_.get(), 0, 0, &outcome.scaleX, &outcome.scaleY);
+    int index = 0;
+    for (DocumentPoint& point : outcome.points) {
+        module_.adjustLocate(filter, object_.get(), index++, point.position.item,
+                             point.position.layer, &point.x, &point.y);
+    }
+}
+
+}  // namespace
+
+RunOutcome RunFilter(const Module& module, const Document& document, const RunRequest& request) {
+    if (ActiveRun::Exists()) {
+        return Failure("another filter is still running");
+    }
+    return ActiveRun(module, document, request).Run();
+}
+
+FilterObject PrepareBatch(const Module& module, const std::string& filter, HWND ownerWindow,
+                          bool& cancelled) {
+    int cancelFlag = 0;
+    FilterObject object{module.batchPrepare(filter.c_str(), ownerWindow, &cancelFlag),
+                        {module.batchDispose, filter}};
+    cancelled = cancelFlag != 0;
+    return object;
+}
+
+}  // namespace imgbasic::host

@@ -1,0 +1,235 @@
+#include "host/layer_run.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "host/flatten.h"
+#include "host/layer_name.h"
+
+namespace imgbasic::host {
+namespace {
+
+/// What a filter answers through resultCode.
+constexpr uint32_t kRemoveItem = 1;
+constexpr uint32_t kNewLayer = 2;
+
+/// No filter puts more than four layers above one; without an end a faulty module would fill the
+/// memory with them.
+constexpr size_t kMostNewLayers = 16;
+
+/// The attributes of a layer or a folder, without what it holds.
+template <typename To, typename From>
+void CopyAttributes(To& to, const From& from) {
+    to.name = from.name;
+    to.opacity = from.opacity;
+    to.kind = from.kind;
+    to.clip = from.clip;
+    to.visible = from.visible;
+}
+
+CompositionKind KindOf(uint32_t layerMode) {
+    return layerMode <= static_cast<uint32_t>(CompositionKind::Additive)
+               ? static_cast<CompositionKind>(layerMode)
+               : CompositionKind::Normal;
+}
+
+bool IsSize(uint32_t side) {
+    return side >= 1 && side <= static_cast<uint32_t>(std::numeric_limits<int32_t>::max());
+}
+
+/// Whether the object works on the merged picture, of which a single plain layer remains. "nega"
+/// does not announce that by its answers.
+bool WorksOnMergedImage(const std::string& filter, const ImageProcess& object) {
+    return FindOption(filter, "TargetType") != nullptr && object.TargetType != AllLayers &&
+           object.TargetType != CurrentLayer;
+}
+
+bool IsEmpty(const RECT& rect) {
+    return rect.left >= rect.right || rect.top >= rect.bottom;
+}
+
+int32_t Count(const auto& list) {
+    return static_cast<int32_t>(list.size());
+}
+
+}  // namespace
+
+LayerRun::LayerRun(const Module& module, const std::string& filter, ImageProcess& object,
+                   Document document)
+    : module_(module), filter_(filter), object_(object), document_(std::move(document)) {
+}
+
+bool LayerRun::Run() {
+    const int phases = module_.getPhase(filter_.c_str());
+    for (int phase = 0; phase < phases; ++phase) {
+        if (!BeginPhase(phase)) {
+            return false;
+        }
+        VisitItems();
+    }
+    return true;
+}
+
+bool LayerRun::BeginPhase(int phase) {
+    phase_ = phase;
+    sourceWidth_ = document_.width;
+    sourceHeight_ = document_.height;
+    merged_ = Flatten(document_);
+    auto width = static_cast<uint32_t>(sourceWidth_);
+    auto height = static_cast<uint32_t>(sourceHeight_);
+    uint32_t phaseFlag = 0;
+    const int answer = module_.phase(filter_.c_str(), &object_, phase, &width, &height,
+                                     &merged_.data()->r, 0, 0, &phaseFlag);
+    if (answer == -1) {
+        return false;
+    }
+    if (answer <= 0) {
+        throw RunError(answer == -2 ? filter_ + " refused, see its message"
+                                    : filter_ + " found nothing that it can work on");
+    }
+    showOnly_ = phaseFlag == 1;
+    if (!showOnly_ && module_.isSizeChange(filter_.c_str())) {
+        if (!IsSize(width) || !IsSize(height)) {
+            throw RunError(filter_ + " asked for an impossible size, " + std::to_string(width) +
+                           " x " + std::to_string(height));
+        }
+        document_.width = static_cast<int32_t>(width);
+        document_.height = static_cast<int32_t>(height);
+    }
+    return true;
+}
+
+void LayerRun::VisitItems() {
+    std::vector<Item> settled;
+    for (Item& item : document_.items) {
+        auto* folder = std::get_if<Folder>(&item);
+        Visited visited = folder != nullptr ? StandInFor(*folder)
+                                            : Visited{.layer = std::move(std::get<Layer>(item))};
+        Visit(visited, {Count(settled), -1});
+        std::ranges::move(visited.above, std::back_inserter(settled));
+        if (visited.isRemoved) {
+            continue;
+        }
+        if (folder == nullptr || visited.isPlain) {
+            settled.emplace_back(std::move(visited.layer));
+        } else {
+            CopyAttributes(*folder, visited.layer);
+            VisitFolder(*folder, Count(settled));
+            settled.push_back(std::move(item));
+        }
+    }
+    document_.items = std::move(settled);
+}
+
+void LayerRun::VisitFolder(Folder& folder, int32_t item) {
+    std::vector<Layer> settled;
+    for (Layer& layer : folder.layers) {
+        Visited visited{.layer = std::move(layer)};
+        Visit(visited, {item, Count(settled)});
+        std::ranges::move(visited.above, std::back_inserter(settled));
+        if (!visited.isRemoved) {
+            settled.push_back(std::move(visited.layer));
+        }
+    }
+    folder.layers = std::move(settled);
+}
+
+/// Shows a layer again and again, as long as the filter puts new layers above it.
+void LayerRun::Visit(Visited& visited, LayerPosition position) {
+    int32_t& index = position.layer < 0 ? position.item : position.layer;
+    while (Show(visited, position)) {
+        ++index;
+        if (visited.above.size() > kMostNewLayers) {
+            throw RunError(filter_ + " does not stop making new layers");
+        }
+    }
+}
+
+/// Shows a layer once; true when a new layer now lies above it.
+bool LayerRun::Show(Visited& visited, LayerPosition position) {
+    Layer& layer = visited.layer;
+    std::vector<RGBA16> produced(PixelCount(document_.width, document_.height));
+    const RECT bounds{layer.bounds.left, layer.bounds.top, layer.bounds.right, layer.bounds.bottom};
+    RECT area{};
+    uint32_t code = 0;
+    uint32_t kind = 0;
+    auto mode = static_cast<uint32_t>(layer.kind);
+    uint32_t opacity = layer.opacity;
+    uint32_t flag = layer.clip ? 1 : 0;
+    const LayerNameBytes nameBefore = NameForModule(layer.name);
+    LayerNameBytes name = nameBefore;
+    // A folder has no pixels of its own to change.
+    const bool skipPixels = visited.isFolder;
+    const bool done = module_.execute(
+        filter_.c_str(), &object_, phase_, position.item, position.layer, 0, produced.data(), &area,
+        layer.pixels.data(), layer.bounds.IsEmpty() ? nullptr : &bounds, skipPixels, &code, &kind,
+        &mode, &opacity, &flag, name.data());
+    const bool resized = sourceWidth_ != document_.width || sourceHeight_ != document_.height;
+    if (showOnly_ || (!done && !resized)) {
+        return false;
+    }
+    if (!done) {
+        Store(layer, std::move(produced), {}, true);
+        return false;
+    }
+    if (code == kRemoveItem) {
+        visited.isRemoved = true;
+        return false;
+    }
+    Layer answered;
+    answered.name = NameFromModule(layer.name, nameBefore, name);
+    visited.isPlain = kind == 1 || (WorksOnMergedImage(filter_, object_) && !IsEmpty(area));
+    if (!visited.isPlain) {
+        answered.opacity = std::min(opacity, 100U);
+        answered.kind = KindOf(mode);
+        answered.clip = flag == 1;
+        answered.visible = layer.visible;
+    }
+    if (code == kNewLayer) {
+        Store(visited.above.emplace_back(std::move(answered)), std::move(produced), area, true);
+        return true;
+    }
+    CopyAttributes(layer, answered);
+    Store(layer, std::move(produced), area, resized || visited.isPlain);
+    return false;
+}
+
+/// Takes the written area of what the filter produced into a layer; into an empty one when it is
+/// to hold nothing else.
+void LayerRun::Store(Layer& layer, std::vector<RGBA16> produced, const RECT& area,
+                     bool fresh) const {
+    const PixelRect written = ClipToImage({area.left, area.top, area.right, area.bottom},
+                                          document_.width, document_.height);
+    if (written == PixelRect{0, 0, document_.width, document_.height}) {
+        layer.pixels = std::move(produced);
+    } else {
+        if (fresh) {
+            layer.pixels.assign(produced.size(), RGBA16{});
+        }
+        for (int32_t y = written.top; y < written.bottom; ++y) {
+            const auto first = ptrdiff_t{y} * document_.width + written.left;
+            std::copy_n(produced.begin() + first, written.Width(), layer.pixels.begin() + first);
+        }
+    }
+    if (fresh || !written.IsEmpty()) {
+        layer.bounds = BoundsOf(layer.pixels, document_.width, document_.height);
+    }
+}
+
+LayerRun::Visited LayerRun::StandInFor(Folder& folder) const {
+    Document inside;
+    inside.width = sourceWidth_;
+    inside.height = sourceHeight_;
+    std::ranges::move(folder.layers, std::back_inserter(inside.items));
+    Visited visited{.isFolder = true};
+    CopyAttributes(visited.layer, folder);
+    visited.layer.pixels = Flatten(inside);
+    visited.layer.bounds = BoundsOf(visited.layer.pixels, sourceWidth_, sourceHeight_);
+    for (size_t index = 0; index < folder.layers.size(); ++index) {
+        folder.layers[index] = std::move(std::get<Layer>(inside.items[index]));
+    }
+    return visited;
+}
+
+}  // namespace imgbasic::host

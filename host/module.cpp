@@ -1,0 +1,88 @@
+#include "host/module.h"
+
+#ifndef _WIN32
+#include <dlfcn.h>
+#endif
+
+namespace imgbasic::host {
+namespace {
+
+#ifdef _WIN32
+
+constexpr const char* kAdjustScale = "?ImagePluginAdjustScale@@YAXPEBDPEAXHHPEAN2@Z";
+
+void* OpenLibrary(const std::filesystem::path& path) {
+    return LoadLibraryW(path.c_str());
+}
+
+std::string OpenFault() {
+    return "Windows error " + std::to_string(GetLastError());
+}
+
+void* FindSymbol(void* library, const char* symbol) {
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), symbol));
+}
+
+#else
+
+constexpr const char* kAdjustScale = "_Z22ImagePluginAdjustScalePKcPviiPdS2_";
+
+void* OpenLibrary(const std::filesystem::path& path) {
+    // A name without a folder would be looked for in the system's own folders.
+    return dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+std::string OpenFault() {
+    return dlerror();
+}
+
+void* FindSymbol(void* library, const char* symbol) {
+    return dlsym(library, symbol);
+}
+
+#endif
+
+template <typename Function>
+void Find(const Module& module, const std::filesystem::path& path, const char* symbol,
+          Function*& function) {
+    function = reinterpret_cast<Function*>(FindSymbol(module.library.get(), symbol));
+    if (function == nullptr) {
+        throw ModuleError(path.string() + ": no filter module, it does not export " + symbol +
+                          "; name the right file with --module");
+    }
+}
+
+}  // namespace
+
+void LibraryCloser::operator()(void* library) const {
+#ifdef _WIN32
+    FreeLibrary(static_cast<HMODULE>(library));
+#else
+    dlclose(library);
+#endif
+}
+
+Module LoadModule(const std::filesystem::path& path) {
+    Module module;
+    module.library.reset(OpenLibrary(path));
+    if (!module.library) {
+        throw ModuleError(path.string() + ": the filter module cannot be loaded (" + OpenFault() +
+                          "); name its file with --module");
+    }
+    Find(module, path, "PluginGetName", module.getName);
+    Find(module, path, "ImagePluginIsSizeChange", module.isSizeChange);
+    Find(module, path, "ImagePluginIsBatchEnable", module.isBatchEnable);
+    Find(module, path, "ImagePluginGetPhase", module.getPhase);
+    Find(module, path, "ImagePluginPrepare2", module.prepare);
+    Find(module, path, "ImagePluginBatchPrepare", module.batchPrepare);
+    Find(module, path, "ImagePluginDialog", module.dialog);
+    Find(module, path, "ImagePluginPhase2", module.phase);
+    Find(module, path, "ImagePluginExecute4", module.execute);
+    Find(module, path, kAdjustScale, module.adjustScale);
+    Find(module, path, "ImagePluginAdjustLocate2", module.adjustLocate);
+    Find(module, path, "ImagePluginDispose", module.dispose);
+    Find(module, path, "ImagePluginBatchDispose", module.batchDispose);
+    return module;
+}
+
+}  // namespace imgbasic::host
