@@ -1,26 +1,14 @@
-#include "bench/benchmark_pixels.h"
+#include "bench/point_filter_bench.h"
+#include "bench/test_pictures.h"
 #include "plugin/imgbasic/nega.h"
 
 namespace imgbasic {
 namespace {
 
 void Nega(benchmark::State& state, BenchSize size, TargetKind target) {
-    const std::vector<RGBA16> source(size.Pixels(), RGBA16{100, 200, 300, kFullScale});
-    std::vector<RGBA16> result(size.Pixels());
-    const RECT area{0, 0, size.width, size.height};
-    RECT written{};
     NegaImageProcess nega;
-    nega.width = size.width;
-    nega.height = size.height;
     nega.TargetType = target;
-    nega.mergedImage = source.data();
-    ExecuteArgs args{};
-    args.subLayer = -1;
-    args.dst = result.data();
-    args.outRect = &written;
-    args.src = source.data();
-    args.inRect = &area;
-    RunBesideMemoryCopy(state, size.Pixels() * sizeof(RGBA16), [&] { nega.Execute(args); });
+    RunPointFilter(state, nega, size, OpaquePhoto(size));
 }
 
 BENCHMARK_CAPTURE(Nega, merged_2MP, k2Megapixels, MergedImage)->UseManualTime();

@@ -1,6 +1,8 @@
 #include "plugin/imgbasic/mono.h"
 
+#include "lib/image/mono.h"
 #include "plugin/imgbasic/dialogs.h"
+#include "plugin/imgbasic/target.h"
 
 namespace imgbasic {
 
@@ -30,8 +32,13 @@ int MonoImageProcess::Phase(int /*phase*/, uint32_t* /*newWidth*/, uint32_t* /*n
     return KeepMergedImage(merged);
 }
 
-bool MonoImageProcess::Execute(const ExecuteArgs& /*args*/) {
-    return true;
+bool MonoImageProcess::Execute(const ExecuteArgs& args) {
+    // A threshold no dialog would give wraps here, as the shift defines it.
+    const int32_t level = Threshold << 8;
+    return ExecuteOnTarget(*this, args, MergedResult::Announced,
+                           [level](RGBA16* dst, const RGBA16* src, size_t count, Store store) {
+                               ToTwoLevels(dst, src, count, level, store);
+                           });
 }
 
 bool MonoImageProcess::AdjustLocate(int /*index*/, int layer, int subLayer, double* /*x*/,

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
@@ -80,6 +81,35 @@ void ExpectEqualForms(SimdLevel level, uint32_t seed, Kernel&& kernel) {
             }
         }
     }
+}
+
+/// Runs `kernel(dst, src, count)` at the scalar level and at `level` over all of `pixels`, and
+/// expects equal results.
+template <typename Kernel>
+void ExpectEqualResults(SimdLevel level, const std::vector<RGBA16>& pixels, Kernel&& kernel) {
+    const auto run = [&](SimdLevel used) {
+        const ScopedSimdLevel scope(used);
+        std::vector<RGBA16> result(pixels.size());
+        kernel(result.data(), pixels.data(), pixels.size());
+        return result;
+    };
+    const auto expected = run(SimdLevel::Scalar);
+    const auto actual = run(level);
+    const auto differs =
+        std::mismatch(expected.begin(), expected.end(), actual.begin()).first - expected.begin();
+    const auto i = static_cast<size_t>(differs);
+    ASSERT_EQ(i, pixels.size()) << "of " << testing::PrintToString(pixels[i]) << " came "
+                                << testing::PrintToString(actual[i]) << ", not "
+                                << testing::PrintToString(expected[i]);
+}
+
+/// One colour, the same in all channels, under every alpha there is.
+inline std::vector<RGBA16> UnderEveryAlpha(uint16_t color) {
+    std::vector<RGBA16> pixels(0x10000);
+    for (size_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = {color, color, color, static_cast<uint16_t>(i)};
+    }
+    return pixels;
 }
 
 }  // namespace imgbasic
