@@ -1,5 +1,7 @@
 #include "host/raster_file.h"
 
+#include <webp/encode.h>
+
 #include <algorithm>
 #include <memory>
 #include <vips/vips8>
@@ -32,14 +34,12 @@ void StartVips() {
     (void)started;
 }
 
-/// The last thing that libvips complained about, in one line; its buffer is empty then.
-std::string TakeVipsError() {
-    std::string text = vips_error_buffer();
+/// What libvips complained about last, in one line; its buffer is empty then.
+std::string LastLine(const vips::VError& error) {
     vips_error_clear();
-    text.erase(std::find_if(text.rbegin(), text.rend(), [](char c) { return c != '\n'; }).base(),
-               text.end());
-    const size_t lineBreak = text.rfind('\n');
-    return lineBreak == std::string::npos ? text : text.substr(lineBreak + 1);
+    std::string text = error.what();
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text.substr(text.rfind('\n') + 1);
 }
 
 /// Upright, 8 or 16 bits of sRGB and alpha, whatever it was.
@@ -79,7 +79,6 @@ std::vector<RGBA16> PixelsOf(const VImage& image, uint16_t (*fromFile)(Sample)) 
 
 struct FormatTraits {
     const char* name;
-    const char* suffix;  ///< by which libvips knows the encoder
     VImage (*load)(vips::VSource source, vips::VOption* options);
     bool alpha;
     bool deep;  ///< holds 16 bits a channel
@@ -88,15 +87,15 @@ struct FormatTraits {
 FormatTraits TraitsOf(RasterFormat format) {
     switch (format) {
         case RasterFormat::Jpeg:
-            return {"JPEG", ".jpg", VImage::jpegload_source, false, false};
+            return {"JPEG", VImage::jpegload_source, false, false};
         case RasterFormat::WebP:
-            return {"WebP", ".webp", VImage::webpload_source, true, false};
+            return {"WebP", VImage::webpload_source, true, false};
         case RasterFormat::Tiff:
-            return {"TIFF", ".tif", VImage::tiffload_source, true, true};
+            return {"TIFF", VImage::tiffload_source, true, true};
         case RasterFormat::Png:
             break;
     }
-    return {"PNG", ".png", VImage::pngload_source, true, true};
+    return {"PNG", VImage::pngload_source, true, true};
 }
 
 Picture Decode(const vips::VSource& source, RasterFormat format, const std::string& name,
@@ -124,8 +123,8 @@ auto Guarded(const std::string& before, const std::string& after, Work work) {
     StartVips();
     try {
         return work();
-    } catch (const vips::VError&) {
-        throw FileError(before + " (" + TakeVipsError() + ")" + after);
+    } catch (const vips::VError& error) {
+        throw FileError(before + " (" + LastLine(error) + ")" + after);
     }
 }
 
@@ -168,29 +167,64 @@ SampledImage<Sample> Sampled(const Picture& picture, int bands, Sample (*toFile)
     return {std::move(samples), image};
 }
 
-vips::VOption* EncoderOptions(RasterFormat format) {
-    vips::VOption* const options = VImage::option();
-    switch (format) {
-        case RasterFormat::Jpeg:
-            return options->set("Q", 95)->set("subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF);
-        case RasterFormat::WebP:
-            return options->set("lossless", true);
-        case RasterFormat::Tiff:
-            return options->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE)
-                ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL);
-        case RasterFormat::Png:
-            break;
+/// A lossless WebP, in which fully transparent pixels keep their colour; libvips drops it.
+std::vector<std::byte> EncodedWebP(const VImage& image) {
+    WebPConfig config;
+    WebPPicture picture;
+    if (WebPConfigInit(&config) == 0 || WebPPictureInit(&picture) == 0 ||
+        WebPConfigLosslessPreset(&config, 4) == 0) {
+        throw vips::VError("the WebP library has another version");
     }
-    return options->set("compression", 6);
+    const std::unique_ptr<WebPPicture, decltype(&WebPPictureFree)> ownedPicture(&picture,
+                                                                                WebPPictureFree);
+    WebPMemoryWriter file;
+    WebPMemoryWriterInit(&file);
+    const std::unique_ptr<WebPMemoryWriter, decltype(&WebPMemoryWriterClear)> ownedFile(
+        &file, WebPMemoryWriterClear);
+    config.exact = 1;
+    picture.use_argb = 1;
+    picture.width = image.width();
+    picture.height = image.height();
+    picture.writer = WebPMemoryWrite;
+    picture.custom_ptr = &file;
+    const auto* const samples = static_cast<const uint8_t*>(image.data());
+    const int stride = image.width() * image.bands();
+    const auto import = image.bands() == kBands ? WebPPictureImportRGBA : WebPPictureImportRGB;
+    if (picture.width > WEBP_MAX_DIMENSION || picture.height > WEBP_MAX_DIMENSION) {
+        throw vips::VError("no side may exceed " + std::to_string(WEBP_MAX_DIMENSION) + " pixels");
+    }
+    if (import(&picture, samples, stride) == 0 || WebPEncode(&config, &picture) == 0) {
+        throw vips::VError("error " + std::to_string(picture.error_code) + " of the WebP library");
+    }
+    const std::span bytes = std::as_bytes(std::span(file.mem, file.size));
+    return {bytes.begin(), bytes.end()};
 }
 
+/// The file of `format` that holds an image made by Sampled.
 std::vector<std::byte> Encoded(const VImage& image, RasterFormat format) {
-    void* data = nullptr;
+    VipsBlob* blob = nullptr;
+    switch (format) {
+        case RasterFormat::WebP:
+            return EncodedWebP(image);
+        case RasterFormat::Jpeg:
+            blob = image.jpegsave_buffer(
+                VImage::option()->set("Q", 95)->set("subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF));
+            break;
+        case RasterFormat::Tiff:
+            blob = image.tiffsave_buffer(
+                VImage::option()
+                    ->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE)
+                    ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL));
+            break;
+        case RasterFormat::Png:
+            blob = image.pngsave_buffer(VImage::option()->set("compression", 6));
+            break;
+    }
     size_t size = 0;
-    image.write_to_buffer(TraitsOf(format).suffix, &data, &size, EncoderOptions(format));
-    const std::unique_ptr<void, decltype(&g_free)> memory(data, g_free);
-    const auto* const first = static_cast<const std::byte*>(data);
-    return {first, first + size};
+    const auto* const first = static_cast<const std::byte*>(vips_blob_get(blob, &size));
+    std::vector<std::byte> file(first, first + size);
+    vips_area_unref(VIPS_AREA(blob));
+    return file;
 }
 
 }  // namespace

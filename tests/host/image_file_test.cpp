@@ -22,7 +22,8 @@ TEST_F(ImageFile, LosslessFormatsGiveBackEveryPixelAtTheirDepth) {
         const char* name;
         int bitDepth;
     };
-    for (const Case& c : {Case{"p8.png", 8}, {"p16.png", 16}, {"t8.tif", 8}, {"t16.TIFF", 16}}) {
+    for (const Case& c :
+         {Case{"p8.png", 8}, {"p16.png", 16}, {"t8.tif", 8}, {"t16.TIFF", 16}, {"w.webp", 8}}) {
         SCOPED_TRACE(c.name);
         RandomDocuments random(1);
         const Document document = OneLayer(37, 23, c.bitDepth, random.Pixels(37 * 23, c.bitDepth));

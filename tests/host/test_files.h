@@ -128,13 +128,16 @@ class RandomDocuments {
     std::mt19937 random_;
 };
 
-/// A document of one layer.
-inline Document OneLayer(int32_t width, int32_t height, int bitDepth, std::vector<RGBA16> pixels) {
+inline Layer LayerOf(std::vector<RGBA16> pixels, int32_t width, int32_t height) {
     Layer layer;
     layer.bounds = BoundsOf(pixels, width, height);
     layer.pixels = std::move(pixels);
+    return layer;
+}
+
+inline Document OneLayer(int32_t width, int32_t height, int bitDepth, std::vector<RGBA16> pixels) {
     Document document{width, height, bitDepth, {}};
-    document.items.emplace_back(std::move(layer));
+    document.items.emplace_back(LayerOf(std::move(pixels), width, height));
     return document;
 }
 

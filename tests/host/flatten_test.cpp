@@ -1,0 +1,191 @@
+#include "host/flatten.h"
+
+#include <cmath>
+
+#include "tests/host/test_files.h"
+
+namespace imgbasic::host {
+namespace {
+
+constexpr RGBA16 kBlack{0, 0, 0, kFullScale};
+
+/// Alpha compositing as it is written in books, in floating point, colours in 0..1.
+RGBA16 SimpleComposite(RGBA16 source, CompositionKind kind, RGBA16 backdrop) {
+    const double full = kFullScale;
+    const double as = source.a / full;
+    const double ab = backdrop.a / full;
+    const bool plus = kind == CompositionKind::Additive;
+    const double kept = plus ? 1 : 1 - as;
+    const double ao = std::min(as + ab * kept, 1.0);
+    const auto channel = [&](uint16_t s, uint16_t b) {
+        const double sum = (s / full * as + b / full * ab * kept) / ao;
+        return static_cast<uint16_t>(std::lround(std::min(sum, 1.0) * full));
+    };
+    return {channel(source.r, backdrop.r), channel(source.g, backdrop.g),
+            channel(source.b, backdrop.b), static_cast<uint16_t>(std::lround(ao * full))};
+}
+
+TEST(Flatten, CompositesLikeTheFormulasWithinOneStep) {
+    RandomDocuments random(1);
+    for (int i = 0; i < 200'000; ++i) {
+        const RGBA16 source = random.Pixel(16);
+        const RGBA16 backdrop = random.Pixel(16);
+        const auto kind = i % 2 == 0 ? CompositionKind::Normal : CompositionKind::Additive;
+        if (source.a == 0) {
+            ASSERT_EQ(Composite(source, kind, backdrop), backdrop == RGBA16{} ? source : backdrop);
+            continue;
+        }
+        const RGBA16 got = Composite(source, kind, backdrop);
+        const RGBA16 want = SimpleComposite(source, kind, backdrop);
+        for (const auto channel : {&RGBA16::r, &RGBA16::g, &RGBA16::b, &RGBA16::a}) {
+            // One step where floating point rounds a half the other way.
+            ASSERT_LE(std::abs(got.*channel - want.*channel), 1)
+                << i << ": " << source.r << " " << source.a << " over " << backdrop.r << " "
+                << backdrop.a;
+        }
+    }
+}
+
+TEST(Flatten, OneNormalLayerIsItself) {
+    RandomDocuments random(2);
+    const std::vector<RGBA16> pixels = random.Pixels(61 * 7, 16);
+    Document document = OneLayer(61, 7, 16, pixels);
+    EXPECT_TRUE(Flatten(document) == pixels);
+    // Nor do empty layers above and below change anything.
+    const Layer empty = LayerOf(std::vector<RGBA16>(61 * 7), 61, 7);
+    document.items.insert(document.items.begin(), empty);
+    document.items.emplace_back(empty);
+    std::get<Layer>(document.items.back()).bounds = {0, 0, 9, 9};
+    EXPECT_TRUE(Flatten(document) == pixels);
+}
+
+/// A layer's channels, each on its own: additive layers clipped to a black one with the alpha.
+std::vector<Layer> ChannelLayers(const Layer& source) {
+    std::vector<Layer> layers;
+    for (const auto channel : {&RGBA16::r, &RGBA16::g, &RGBA16::b}) {
+        Layer layer = source;
+        layer.pixels.clear();
+        layer.opacity = 100;
+        layer.kind = CompositionKind::Additive;
+        layer.clip = true;
+        for (const RGBA16& pixel : source.pixels) {
+            layer.pixels.push_back(pixel == RGBA16{} ? pixel : kBlack);
+            layer.pixels.back().*channel = pixel.*channel;
+        }
+        layers.push_back(std::move(layer));
+    }
+    layers.push_back(source);
+    for (RGBA16& pixel : layers.back().pixels) {
+        pixel = {0, 0, 0, pixel.a};
+    }
+    return layers;
+}
+
+TEST(Flatten, ChannelLayersLookExactlyAsTheirSource) {
+    for (uint32_t seed = 0; seed < 200; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomDocuments random(seed);
+        Document whole = random.AnyDocument(13, 9);
+        Layer source = random.AnyLayer(13, 9);
+        source.clip = false;
+        source.opacity = random.Below(3) == 0 ? 50 : 100;
+        Document split = whole;
+        const std::vector<Layer> channels = ChannelLayers(source);
+        const auto place =
+            static_cast<int64_t>(random.Below(static_cast<uint32_t>(whole.items.size()) + 1));
+        // What lay clipped above the place is then clipped to the source in both.
+        whole.items.insert(whole.items.begin() + place, source);
+        split.items.insert(split.items.begin() + place, channels.begin(), channels.end());
+        ASSERT_TRUE(Flatten(split) == Flatten(whole));
+    }
+}
+
+TEST(Flatten, AFolderIsTheLayerThatItLooksLike) {
+    for (uint32_t seed = 0; seed < 200; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomDocuments random(seed);
+        Document document = random.AnyDocument(13, 9);
+        const std::vector<RGBA16> withFolders = Flatten(document);
+        for (Item& item : document.items) {
+            if (const auto* folder = std::get_if<Folder>(&item)) {
+                Document inside{13, 9, 16, {}};
+                inside.items.assign(folder->layers.begin(), folder->layers.end());
+                Layer layer = LayerOf(Flatten(inside), 13, 9);
+                layer.opacity = folder->opacity;
+                layer.kind = folder->kind;
+                layer.clip = folder->clip;
+                layer.visible = folder->visible;
+                item = std::move(layer);
+            }
+        }
+        ASSERT_TRUE(Flatten(document) == withFolders);
+    }
+}
+
+TEST(Flatten, AttributesDecideWhatIsShown) {
+    constexpr uint16_t kHalf = kFullScale / 2;
+    constexpr RGBA16 kRed{kFullScale, 0, 0, kFullScale};
+    constexpr RGBA16 kBlue{0, 0, kFullScale, kFullScale};
+    constexpr RGBA16 kPurple{kFullScale, 0, kFullScale, kFullScale};
+    const auto layer = [](RGBA16 pixel, uint32_t opacity = 100, bool clip = false,
+                          CompositionKind kind = CompositionKind::Normal) {
+        Layer one = LayerOf({pixel}, 1, 1);
+        one.opacity = opacity;
+        one.clip = clip;
+        one.kind = kind;
+        return one;
+    };
+    const auto hidden = [](Layer shown) {
+        shown.visible = false;
+        return shown;
+    };
+    const Layer plus = layer(kRed, 100, false, CompositionKind::Additive);
+    struct Case {
+        const char* what;
+        std::vector<Item> items;
+        RGBA16 flat;
+    };
+    for (const Case& c : {
+             Case{"nothing", {}, {}},
+             {"upper over lower", {layer(kRed), layer(kBlue)}, kRed},
+             {"hidden", {hidden(layer(kRed)), layer(kBlue)}, kBlue},
+             {"opacity 0", {layer(kRed, 0), layer(kBlue)}, kBlue},
+             {"half", {layer(kRed, 50), layer(kBlue)}, {kHalf, 0, kHalf, kFullScale}},
+             {"additive", {plus, layer(kBlue)}, kPurple},
+             {"clipped to nothing there", {layer(kRed, 100, true), layer({}), layer(kBlue)}, kBlue},
+             {"clipped to half",
+              {layer(kRed, 100, true), layer({0, 0, 0, kHalf})},
+              {kFullScale, 0, 0, kHalf}},
+             {"clipped to the base, not to the clipped one between",
+              {layer(kRed, 100, true), layer({}, 100, true), layer(kBlue)},
+              kRed},
+             {"clipped to a hidden one", {layer(kRed, 100, true), hidden(layer(kBlue))}, {}},
+             {"clipped with nothing below", {layer(kRed, 100, true)}, kRed},
+             {"base's opacity",
+              {layer(kRed, 100, true), layer(kBlue, 50)},
+              {kFullScale, 0, 0, kHalf}},
+         }) {
+        EXPECT_EQ(Flatten({1, 1, 8, c.items})[0], c.flat) << c.what;
+    }
+}
+
+TEST(Flatten, BoundsAreTheSmallestRectangleOfWhatIsThere) {
+    RandomDocuments random(5);
+    for (int i = 0; i < 500; ++i) {
+        std::vector<RGBA16> pixels(11 * 8);
+        PixelRect want{};
+        for (uint32_t k = random.Below(4); k > 0; --k) {
+            const auto x = static_cast<int32_t>(random.Below(11));
+            const auto y = static_cast<int32_t>(random.Below(8));
+            pixels[static_cast<size_t>(y * 11 + x)].g = 1;
+            want = want.IsEmpty()
+                       ? PixelRect{x, y, x + 1, y + 1}
+                       : PixelRect{std::min(want.left, x), std::min(want.top, y),
+                                   std::max(want.right, x + 1), std::max(want.bottom, y + 1)};
+        }
+        ASSERT_EQ(BoundsOf(pixels, 11, 8), want) << i;
+    }
+}
+
+}  // namespace
+}  // namespace imgbasic::host
