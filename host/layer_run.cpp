@@ -1,7 +1,6 @@
 #include "host/layer_run.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "host/flatten.h"
@@ -34,8 +33,11 @@ CompositionKind KindOf(uint32_t layerMode) {
                : CompositionKind::Normal;
 }
 
+/// A longer side is a module's fault, not something to find memory for.
+constexpr uint32_t kLongestSide = 65535;
+
 bool IsSize(uint32_t side) {
-    return side >= 1 && side <= static_cast<uint32_t>(std::numeric_limits<int32_t>::max());
+    return side >= 1 && side <= kLongestSide;
 }
 
 /// Whether the object works on the merged picture, of which a single plain layer remains. "nega"

@@ -19,11 +19,11 @@ struct PixelSize {
 
 /// How a new size is asked for: by percentages, by a box to fit in, or by one side or both.
 struct SizeRequest {
-    std::optional<int32_t> width;
-    std::optional<int32_t> height;
-    std::optional<int32_t> ratio;        ///< percent of both sides, or of the width alone
-    std::optional<int32_t> ratioHeight;  ///< percent of the height
-    std::optional<PixelSize> fit;
+    std::optional<int32_t> width{};
+    std::optional<int32_t> height{};
+    std::optional<int32_t> ratio{};        ///< percent of both sides, or of the width alone
+    std::optional<int32_t> ratioHeight{};  ///< percent of the height
+    std::optional<PixelSize> fit{};
 
     bool IsEmpty() const { return !width && !height && !ratio && !fit; }
 };

@@ -80,10 +80,6 @@ bool DoOneByOne(const std::vector<FileJob>& jobs, const Report& report,
 std::vector<FileJob> PlanJobs(const std::vector<std::filesystem::path>& inputs,
                               const std::filesystem::path& output) {
     std::error_code ignored;
-    if (!output.has_filename()) {
-        // Where that fails, writing the files tells why.
-        std::filesystem::create_directories(output, ignored);
-    }
     const bool isFolder = !output.has_filename() || std::filesystem::is_directory(output, ignored);
     if (!isFolder && inputs.size() > 1) {
         throw UsageError("several inputs need a folder to go to; write -o " + output.string() +
@@ -99,6 +95,10 @@ std::vector<FileJob> PlanJobs(const std::vector<std::filesystem::path>& inputs,
                              " would both become " + known->first.string() +
                              "; run them into different folders");
         }
+    }
+    if (isFolder) {
+        // Where that fails, writing the files tells why.
+        std::filesystem::create_directories(output, ignored);
     }
     return jobs;
 }

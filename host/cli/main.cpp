@@ -55,7 +55,7 @@ int Run(int argc, char** argv) {
     CLI::App app("Image filters from a plug-in module, run over files.", "imgbasic");
     app.formatter(std::make_shared<HelpLayout>());
     app.set_help_flag("-h,--help", "Show this help");
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     app.fallthrough();
     app.footer("\n`imgbasic COMMAND --help` explains a command.");
     std::filesystem::path modulePath;
@@ -84,6 +84,9 @@ int Run(int argc, char** argv) {
         return app.exit(help);
     } catch (const CLI::ParseError& fault) {
         throw UsageError(std::string(fault.what()) + "; --help tells more");
+    }
+    if (app.get_subcommands().empty()) {
+        throw UsageError("a command is missing; --help lists them");
     }
     return status;
 }

@@ -1,0 +1,417 @@
+#include "host/driver.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+#include "host/flatten.h"
+#include "plugin/imgbasic/nega.h"
+#include "tests/host/test_files.h"
+
+namespace imgbasic::host {
+namespace {
+
+constexpr int32_t kWidth = 4;
+constexpr int32_t kHeight = 3;
+constexpr RGBA16 kRed{kFullScale, 0, 0, kFullScale};
+constexpr RGBA16 kGreen{0, kFullScale, 0, kFullScale};
+
+/// What the module answers, replaced by each test.
+struct Script {
+    bool sizeChange = false;
+    int phases = 1;
+    std::function<int(bool (*apply)())> dialog = [](bool (*apply)()) { return apply() ? 1 : 0; };
+    std::function<int(int phase, uint32_t& width, uint32_t& height, uint32_t& flag)> phase =
+        [](int, uint32_t&, uint32_t&, uint32_t&) { return 1; };
+    /// `log` has a line for every visit already.
+    std::function<bool(const ExecuteArgs& args)> execute = [](const ExecuteArgs&) { return true; };
+    std::vector<std::string> log;
+    ImageProcess* object = nullptr;
+    int disposed = 0;
+};
+
+Script* script = nullptr;
+
+bool LogAndExecute(const ExecuteArgs& args) {
+    script->log.push_back(std::string(args.layerName) + " " + std::to_string(args.layer) + "," +
+                          std::to_string(args.subLayer));
+    return script->execute(args);
+}
+
+Module ScriptedModule() {
+    Module module;
+    module.isSizeChange = [](const char*) { return script->sizeChange; };
+    module.getPhase = [](const char*) { return script->phases; };
+    module.prepare = [](const char*, int, int, int, int, int, uint32_t, uint32_t, uint64_t, HWND,
+                        uint64_t, ImageProcess*) -> ImageProcess* {
+        return script->object = new NegaImageProcess;  // for its fields alone
+    };
+    module.dialog = [](const char*, ImageProcess*, bool (*apply)()) {
+        return script->dialog(apply);
+    };
+    module.phase = [](const char*, ImageProcess*, int phase, uint32_t* width, uint32_t* height,
+                      const uint16_t*, uint64_t, uint64_t,
+                      uint32_t* flag) { return script->phase(phase, *width, *height, *flag); };
+    module.execute = [](const char*, ImageProcess*, int32_t phase, int32_t layer, int32_t subLayer,
+                        int32_t, RGBA16* dst, RECT* outRect, const RGBA16* src, const RECT* inRect,
+                        bool skipPixels, uint32_t* code, uint32_t* kind, uint32_t* mode,
+                        uint32_t* opacity, uint32_t* flag, char* name) {
+        return LogAndExecute({phase, layer, subLayer, 0, dst, outRect, src, inRect, skipPixels,
+                              code, kind, mode, opacity, flag, name});
+    };
+    module.adjustScale = [](const char*, void*, int, int, double* x, double* y) {
+        *x = 2;
+        *y = 3;
+    };
+    module.adjustLocate = [](const char*, ImageProcess*, int index, int, int, double* x, double*) {
+        *x += 10 * (index + 1);
+        return true;
+    };
+    module.dispose = [](const char*, ImageProcess* object) {
+        ++script->disposed;
+        delete object;
+        return true;
+    };
+    return module;
+}
+
+Layer FilledLayer(const std::string& name, RGBA16 pixel) {
+    Layer layer;
+    layer.name = name;
+    layer.opacity = 50;
+    layer.clip = true;
+    layer.visible = false;
+    layer.pixels.assign(kWidth * kHeight, pixel);
+    layer.bounds = BoundsOf(layer.pixels, kWidth, kHeight);
+    return layer;
+}
+
+/// top; folder (in0, in1); empty; bottom.
+Document SampleDocument() {
+    Document document{kWidth, kHeight, 8, {}};
+    document.items.emplace_back(FilledLayer("top", kRed));
+    Folder folder;
+    folder.name = "folder";
+    folder.layers = {FilledLayer("in0", kRed), FilledLayer("in1", kRed)};
+    folder.layers[0].visible = true;
+    folder.layers[0].opacity = 100;
+    folder.layers[0].clip = false;
+    document.items.emplace_back(folder);
+    document.items.emplace_back(FilledLayer("empty", {}));
+    document.items.emplace_back(FilledLayer("bottom", kRed));
+    return document;
+}
+
+/// The names from top to bottom, a folder's layers behind it in brackets.
+std::string Names(const Document& document) {
+    std::string names;
+    for (const Item& item : document.items) {
+        if (const auto* folder = std::get_if<Folder>(&item)) {
+            names += folder->name + "( ";
+            for (const Layer& layer : folder->layers) {
+                names += layer.name + " ";
+            }
+            names += ") ";
+        } else {
+            names += std::get<Layer>(item).name + " ";
+        }
+    }
+    return names;
+}
+
+const Layer& LayerAt(const Document& document, size_t index) {
+    return std::get<Layer>(document.items[index]);
+}
+
+class DriverTest : public testing::Test {
+  protected:
+    DriverTest() { script = &script_; }
+    ~DriverTest() override {
+        EXPECT_EQ(script_.disposed, 1) << "every object is disposed of once";
+        EXPECT_EQ(Names(document_), Names(SampleDocument())) << "the caller's document stays";
+    }
+
+    RunOutcome Run() { return RunFilter(module_, document_, request_); }
+
+    Script script_;
+    Module module_ = ScriptedModule();
+    Document document_ = SampleDocument();
+    RunRequest request_{.filter = "chan_decomp"};
+};
+
+bool IsNamed(const ExecuteArgs& args, const char* name) {
+    return std::strcmp(args.layerName, name) == 0;
+}
+
+TEST_F(DriverTest, VisitsEveryLayerAndFollowsRemovalsAndNewLayers) {
+    int made = 0;
+    script_.execute = [&](const ExecuteArgs& args) {
+        if (IsNamed(args, "top") || IsNamed(args, "in1")) {
+            *args.resultCode = 1;
+        } else if ((IsNamed(args, "in0") || IsNamed(args, "empty")) && made++ % 3 < 2) {
+            *args.resultCode = 2;
+            *args.layerMode = 2;
+            *args.layerOpacity = 70;
+            *args.layerFlag = 0;
+            *args.outRect = {1, 1, 2, 2};
+            args.dst[kWidth + 1] = kGreen;
+            std::strcpy(args.layerName, made % 3 == 1 ? "new1" : "new2");
+        }
+        return true;
+    };
+    const RunOutcome outcome = Run();
+    ASSERT_EQ(outcome.status, RunStatus::Done);
+    EXPECT_EQ(Names(outcome.document), "folder( new1 new2 in0 ) new1 new2 empty bottom ");
+    EXPECT_EQ(script_.log, (std::vector<std::string>{"top 0,-1", "folder 0,-1", "in0 0,0",
+                                                     "in0 0,1", "in0 0,2", "in1 0,3", "empty 1,-1",
+                                                     "empty 2,-1", "empty 3,-1", "bottom 4,-1"}));
+    const Layer& made2 = LayerAt(outcome.document, 2);
+    EXPECT_EQ(made2.kind, CompositionKind::Additive);
+    EXPECT_EQ(made2.opacity, 70U);
+    EXPECT_FALSE(made2.clip);
+    EXPECT_FALSE(made2.visible) << "as hidden as the layer that it was made of";
+    EXPECT_EQ(made2.bounds, (PixelRect{1, 1, 2, 2}));
+}
+
+TEST_F(DriverTest, StopsAModuleThatMakesLayersWithoutEnd) {
+    script_.execute = [](const ExecuteArgs& args) {
+        *args.resultCode = 2;
+        return true;
+    };
+    EXPECT_EQ(Run().status, RunStatus::Failed);
+}
+
+TEST_F(DriverTest, CopiesOnlyTheReportedAreaInsideTheImage) {
+    script_.execute = [](const ExecuteArgs& args) {
+        EXPECT_TRUE(std::all_of(args.dst, args.dst + kWidth * kHeight,
+                                [](RGBA16 pixel) { return pixel == RGBA16{}; }));
+        EXPECT_EQ(args.inRect == nullptr, IsNamed(args, "empty"));
+        EXPECT_EQ(args.skipPixels, IsNamed(args, "folder"));
+        std::fill_n(args.dst, kWidth * kHeight, kGreen);
+        if (IsNamed(args, "top")) {
+            *args.outRect = {2, -2147483647, 2147483647, 1};
+        } else if (IsNamed(args, "in0")) {
+            *args.outRect = {3, 2, 1, 1};
+        } else if (IsNamed(args, "empty")) {
+            *args.outRect = {1, 1, 3, 3};
+            *args.resultCode = 99;
+            *args.layerMode = 99;
+            *args.layerOpacity = 1000;
+        } else {
+            *args.outRect = {0, 0, kWidth, kHeight};
+            std::strcpy(args.layerName, "?");
+            return false;
+        }
+        return true;
+    };
+    const RunOutcome outcome = Run();
+    ASSERT_EQ(outcome.status, RunStatus::Done);
+    EXPECT_EQ(Names(outcome.document), Names(document_));
+    const std::vector<RGBA16> top = {kRed, kRed, kGreen, kGreen, kRed, kRed,
+                                     kRed, kRed, kRed,   kRed,   kRed, kRed};
+    EXPECT_EQ(LayerAt(outcome.document, 0).pixels, top);
+    EXPECT_EQ(LayerAt(outcome.document, 2).bounds, (PixelRect{1, 1, 3, 3}));
+    EXPECT_EQ(LayerAt(outcome.document, 2).kind, CompositionKind::Normal);
+    EXPECT_EQ(LayerAt(outcome.document, 2).opacity, 100U);
+    EXPECT_EQ(LayerAt(outcome.document, 3).pixels, LayerAt(document_, 3).pixels);
+}
+
+/// The merged picture's result, announced by resultKind, or known from the target.
+TEST_F(DriverTest, TurnsAFolderWithTheMergedResultIntoAPlainLayer) {
+    document_.items.erase(document_.items.begin());
+    for (const bool announced : {true, false}) {
+        request_.filter = announced ? "chan_decomp" : "nega";
+        script_.disposed = 0;
+        script_.execute = [announced](const ExecuteArgs& args) {
+            if (args.layer > 0 || args.subLayer >= 0) {
+                *args.resultCode = 1;
+                return args.subLayer < 0;
+            }
+            *args.resultKind = announced ? 1 : 0;
+            *args.outRect = {0, 0, kWidth, 1};
+            std::fill_n(args.dst, kWidth, kGreen);
+            EXPECT_EQ(*args.src, kRed) << "a folder is shown with the picture that it makes";
+            return true;
+        };
+        const RunOutcome outcome = Run();
+        ASSERT_EQ(outcome.document.items.size(), 1U);
+        const Layer& merged = LayerAt(outcome.document, 0);
+        EXPECT_EQ(merged.name, "folder");
+        EXPECT_TRUE(merged.visible && !merged.clip && merged.opacity == 100);
+        EXPECT_EQ(merged.bounds, (PixelRect{0, 0, kWidth, 1}));
+    }
+    document_ = SampleDocument();
+}
+
+TEST_F(DriverTest, ChangesNothingInAPhaseThatOnlyShowsTheLayers) {
+    script_.phases = 2;
+    script_.phase = [](int phase, uint32_t&, uint32_t&, uint32_t& flag) {
+        flag = phase == 0 ? 1 : 0;
+        return 1;
+    };
+    script_.execute = [](const ExecuteArgs& args) {
+        *args.resultCode = args.phase == 0 ? 2 : 0;
+        std::strcpy(args.layerName, args.phase == 0 ? "?" : "seen");
+        return true;
+    };
+    EXPECT_EQ(Names(Run().document), "seen seen( seen seen ) seen seen ");
+    EXPECT_EQ(script_.log.size(), 12U);
+}
+
+TEST_F(DriverTest, EndsAsThePhaseAnswers) {
+    const struct {
+        int answer;
+        RunStatus status;
+    } cases[] = {{1, RunStatus::Done},
+                 {-1, RunStatus::NothingToDo},
+                 {0, RunStatus::Failed},
+                 {-2, RunStatus::Failed},
+                 {-77, RunStatus::Failed}};
+    script_.phases = 2;
+    for (const auto& test : cases) {
+        script_.disposed = 0;
+        script_.phase = [&](int phase, uint32_t&, uint32_t&, uint32_t&) {
+            return phase == 0 ? 1 : test.answer;
+        };
+        const RunOutcome outcome = Run();
+        EXPECT_EQ(outcome.status, test.status) << test.answer;
+        EXPECT_EQ(outcome.fault.empty(), test.status != RunStatus::Failed);
+    }
+}
+
+TEST_F(DriverTest, GivesEveryLayerTheNewSize) {
+    script_.sizeChange = true;
+    script_.phase = [](int, uint32_t& width, uint32_t& height, uint32_t&) {
+        EXPECT_EQ(width, static_cast<uint32_t>(kWidth));
+        width = 7;
+        height = 5;
+        return 1;
+    };
+    script_.execute = [](const ExecuteArgs& args) {
+        std::fill_n(args.dst, 7 * 5, kGreen);
+        *args.outRect = {0, 0, 7, IsNamed(args, "bottom") ? 2 : 5};
+        return !IsNamed(args, "top");
+    };
+    request_.points = {{{0, -1}, 1, 1}, {{1, 0}, 2, 2}};
+    const RunOutcome outcome = Run();
+    EXPECT_EQ(outcome.document.width, 7);
+    EXPECT_EQ(outcome.document.height, 5);
+    EXPECT_EQ(LayerAt(outcome.document, 0).pixels, std::vector<RGBA16>(35)) << "answered false";
+    EXPECT_TRUE(LayerAt(outcome.document, 0).bounds.IsEmpty());
+    EXPECT_EQ(LayerAt(outcome.document, 3).bounds, (PixelRect{0, 0, 7, 2}));
+    const auto& inside = std::get<Folder>(outcome.document.items[1]).layers[1];
+    EXPECT_EQ(inside.pixels, std::vector<RGBA16>(35, kGreen));
+    EXPECT_EQ(outcome.scaleX, 2);
+    EXPECT_EQ(outcome.scaleY, 3);
+    EXPECT_EQ(outcome.points[0].x, 11);
+    EXPECT_EQ(outcome.points[1].x, 22);
+}
+
+TEST_F(DriverTest, RefusesAnImpossibleSizeAndIgnoresOneOfAFilterThatKeepsIt) {
+    uint32_t side = 0;
+    script_.phase = [&](int, uint32_t& width, uint32_t&, uint32_t&) {
+        width = side;
+        return 1;
+    };
+    EXPECT_EQ(Run().document.width, kWidth);
+    script_.sizeChange = true;
+    for (const uint32_t impossible : {0U, 65536U, 0xFFFFFFFFU}) {
+        side = impossible;
+        EXPECT_EQ(Run().status, RunStatus::Failed) << side;
+    }
+    script_.disposed = 1;
+}
+
+TEST_F(DriverTest, SetsTheOptionsForTheRunAndPutsTheLoadedOnesBack) {
+    request_.filter = "nega";
+    request_.options = {Option("nega", "TargetType", 1), Option("nega", "TargetType", 2)};
+    for (const bool remember : {false, true}) {
+        request_.rememberOptions = remember;
+        script_.disposed = 0;
+        script_.dialog = [&](bool (*apply)()) {
+            script_.object->TargetType = 7;
+            apply();
+            EXPECT_EQ(script_.object->TargetType, remember ? 2 : 7);
+            return 1;
+        };
+        script_.execute = [&](const ExecuteArgs&) {
+            EXPECT_EQ(script_.object->TargetType, 2);
+            return true;
+        };
+        EXPECT_EQ(Run().status, RunStatus::Done);
+    }
+}
+
+TEST_F(DriverTest, TakesTheLastRunOfAConfirmedDialog) {
+    int run = 0;
+    script_.execute = [&](const ExecuteArgs& args) {
+        std::strcpy(args.layerName, run == 1 ? "first" : "second");
+        return true;
+    };
+    const auto dialog = [&](int answer) {
+        return [&run, answer](bool (*apply)()) {
+            for (run = 1; run <= 2; ++run) {
+                EXPECT_TRUE(apply());
+            }
+            return answer;
+        };
+    };
+    script_.dialog = dialog(1);
+    EXPECT_EQ(LayerAt(Run().document, 0).name, "second");
+    script_.dialog = dialog(-1);
+    EXPECT_EQ(Run().status, RunStatus::Cancelled);
+    script_.dialog = [](bool (*)()) { return 1; };
+    EXPECT_EQ(Run().status, RunStatus::NothingToDo) << "confirmed without a run";
+    script_.disposed -= 2;
+}
+
+TEST_F(DriverTest, RefusesRunsInsideARun) {
+    bool (*callback)() = nullptr;
+    script_.dialog = [&](bool (*apply)()) {
+        callback = apply;
+        return apply() ? 1 : 0;
+    };
+    script_.execute = [&](const ExecuteArgs&) {
+        EXPECT_FALSE(callback());
+        EXPECT_EQ(RunFilter(module_, document_, request_).status, RunStatus::Failed);
+        return true;
+    };
+    EXPECT_EQ(Run().status, RunStatus::Done);
+    EXPECT_FALSE(callback()) << "no run is active any more";
+}
+
+std::filesystem::path RealModule() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libimgbasic.so";
+}
+
+TEST(RealModule, InvertsWhatTheDocumentShows) {
+    const Module module = LoadModule(RealModule());
+    RandomDocuments random(5);
+    for (int i = 0; i < 20; ++i) {
+        Document document = random.AnyDocument(9, 7);
+        document.items.insert(document.items.begin(), random.AnyLayer(9, 7));
+        const RunOutcome outcome =
+            RunFilter(module, document,
+                      {.filter = "nega", .options = {Option("nega", "TargetType", MergedImage)}});
+        ASSERT_EQ(outcome.status, RunStatus::Done);
+        std::vector<RGBA16> inverted = Flatten(document);
+        for (RGBA16& pixel : inverted) {
+            pixel = {static_cast<uint16_t>(kFullScale - pixel.r),
+                     static_cast<uint16_t>(kFullScale - pixel.g),
+                     static_cast<uint16_t>(kFullScale - pixel.b), pixel.a};
+        }
+        ASSERT_EQ(outcome.document.items.size(), 1U);
+        EXPECT_EQ(LayerAt(outcome.document, 0).pixels, inverted);
+    }
+}
+
+TEST(RealModule, IsRefusedWhenItCannotBeUsed) {
+    EXPECT_THROW(LoadModule("/nowhere/libimgbasic.so"), ModuleError);
+    EXPECT_THROW(LoadModule("libz.so.1"), ModuleError) << "nothing from the system's folders";
+    const Module module = LoadModule(RealModule());
+    EXPECT_EQ(RunFilter(module, SampleDocument(), {.filter = "sepia"}).status, RunStatus::Failed);
+}
+
+}  // namespace
+}  // namespace imgbasic::host
