@@ -1,11 +1,17 @@
 #pragma once
 
+#include <memory>
+
+#include "lib/image/kv_bitmap.h"
+#include "lib/image/reduce_palette.h"
 #include "plugin/imgbasic/process.h"
 
 namespace imgbasic {
 
 /// "col_reduce": at most ReduceColor colours, chosen from the image, with optional dithering.
-/// Options: ReduceColor, DitherType, SharePalette, GraduateReduce, TargetType.
+/// Options: ReduceColor, DitherType, SharePalette, GraduateReduce, TargetType. With SharePalette
+/// every visit of the topmost item with a rectangle chooses the palette anew from its pixels, also
+/// when that item is not the target, and all mapping until Dispose uses it.
 class ReduceColorImageProcess final : public ImageProcess {
   public:
     int BatchPrepare() override;
@@ -21,6 +27,14 @@ class ReduceColorImageProcess final : public ImageProcess {
     int32_t DitherType = 3;       ///< 0 none, 1 ordered, 2 and 3 error diffusion
     bool SharePalette = false;    ///< the topmost layer's palette serves every layer
     bool GraduateReduce = false;  ///< halve the colours step by step from 256
+
+  private:
+    int32_t ColorLimit() const;
+    bool BuildSharedPalette(const KVBitmap& bitmap);
+    bool ExecuteMerged(const ExecuteArgs& args) const;
+    bool MapAndWrite(RGBA16* dst, PixelRect rect, const KVBitmap& bitmap) const;
+
+    std::unique_ptr<ReducePalette> sharedPalette_;
 };
 
 }  // namespace imgbasic
