@@ -1,6 +1,54 @@
 #include "plugin/imgbasic/chan_merge.h"
 
+#include <algorithm>
+
+#include "plugin/imgbasic/layer_name.h"
+#include "plugin/imgbasic/message_box.h"
+
 namespace imgbasic {
+namespace {
+
+constexpr Channel kChannels[] = {Channel::R, Channel::G, Channel::B, Channel::A};
+
+/// A layer without pixels. A rectangle counts as empty here only when its sides are reversed.
+constexpr PixelRect kNoRect{1, 1, -1, -1};
+
+const Text& NameOf(Channel channel) {
+    static constexpr const Text* kNames[] = {&texts::kRed, &texts::kGreen, &texts::kBlue,
+                                             &texts::kAlpha};
+    return *kNames[IndexOf(channel)];
+}
+
+/// The channel that a layer's name announces; none for a tag without a name behind it.
+std::optional<Channel> TaggedChannel(std::string_view name) {
+    if (name.size() <= kChannelTagLength) {
+        return std::nullopt;
+    }
+    for (const Channel channel : kChannels) {
+        if (name.starts_with(kChannelTags[IndexOf(channel)])) {
+            return channel;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string_view WithoutTag(std::string_view name) {
+    return name.substr(kChannelTagLength);
+}
+
+void Join(PixelRect& whole, const PixelRect& part) {
+    if (part.left > part.right || part.top > part.bottom) {
+        return;
+    }
+    const bool hasColumns = whole.left <= whole.right;
+    whole.left = hasColumns ? std::min(whole.left, part.left) : part.left;
+    whole.right = hasColumns ? std::max(whole.right, part.right) : part.right;
+    const bool hasRows = whole.top <= whole.bottom;
+    whole.top = hasRows ? std::min(whole.top, part.top) : part.top;
+    whole.bottom = hasRows ? std::max(whole.bottom, part.bottom) : part.bottom;
+}
+
+}  // namespace
 
 int ChannelMergeImageProcess::BatchPrepare() {
     applyCallback = nullptr;
@@ -13,16 +61,37 @@ bool ChannelMergeImageProcess::BatchDispose() {
 
 int ChannelMergeImageProcess::Dialog(ApplyCallback apply) {
     applyCallback = apply;
+    layers_ = {};
+    current_ = -1;
+    slots_ = kNoSlots;
+    workImage_.reset();
     return ApplyNow();
 }
 
-int ChannelMergeImageProcess::Phase(int /*phase*/, uint32_t* /*newWidth*/, uint32_t* /*newHeight*/,
+int ChannelMergeImageProcess::Phase(int phase, uint32_t* /*newWidth*/, uint32_t* /*newHeight*/,
                                     const RGBA16* merged, uint64_t /*unused1*/,
-                                    uint64_t /*unused2*/, uint32_t* /*phaseFlag*/) {
-    return KeepMergedImage(merged);
+                                    uint64_t /*unused2*/, uint32_t* phaseFlag) {
+    if (phase == 0) {
+        StoreThrough(phaseFlag, 1);
+        return KeepMergedImage(merged);
+    }
+    if (current_ < 0) {
+        return 0;
+    }
+    if (!FindChannels() || !IsAlphaLast()) {
+        return -2;
+    }
+    workImage_.reset();  // before the next one is allocated, not after
+    workImage_ = AllocatePixels(width, height);
+    return workImage_ == nullptr ? 0 : KeepMergedImage(merged);
 }
 
-bool ChannelMergeImageProcess::Execute(const ExecuteArgs& /*args*/) {
+bool ChannelMergeImageProcess::Execute(const ExecuteArgs& args) {
+    if (args.phase == 0) {
+        CollectLayer(args);
+    } else {
+        MergeLayer(args);
+    }
     return true;
 }
 
@@ -32,7 +101,150 @@ bool ChannelMergeImageProcess::AdjustLocate(int /*index*/, int /*layer*/, int /*
 }
 
 bool ChannelMergeImageProcess::Dispose() {
+    workImage_.reset();
     return true;
+}
+
+void ChannelMergeImageProcess::CollectLayer(const ExecuteArgs& args) {
+    LayerData layer;
+    layer.name = ReadLayerName(args.layerName);
+    layer.index = args.layer;
+    layer.subIndex = args.subLayer;
+    layer.rect = args.inRect == nullptr ? kNoRect
+                                        : PixelRect{args.inRect->left, args.inRect->top,
+                                                    args.inRect->right, args.inRect->bottom};
+    layers_.push_back(layer);
+    if (args.layer == curLayer && args.subLayer == curSubLayer) {
+        current_ = static_cast<int32_t>(layers_.size()) - 1;
+    }
+}
+
+bool ChannelMergeImageProcess::Refuse(const Text& text, const Text& argument) const {
+    ShowError(ownerWindow, text, argument);
+    return false;
+}
+
+bool ChannelMergeImageProcess::FindChannels() {
+    const LayerData& own = layers_[static_cast<size_t>(current_)];
+    const auto ownChannel = TaggedChannel(own.name);
+    if (!ownChannel) {
+        return Refuse(texts::kNotAChannelImage);
+    }
+    const std::string_view baseName = WithoutTag(own.name);
+    slots_[IndexOf(*ownChannel)] = current_;
+    union_ = own.rect;
+    int missing = 3;
+    for (const LayerData& layer : layers_) {
+        if (&layer == &own || !IsAtOwnLevel(layer)) {
+            continue;
+        }
+        const auto channel = TaggedChannel(layer.name);
+        if (!channel || WithoutTag(layer.name) != baseName) {
+            continue;
+        }
+        if (slots_[IndexOf(*channel)] >= 0) {
+            return Refuse(texts::kDuplicateChannelImage, NameOf(*channel));
+        }
+        // Never so while layers at other levels are passed over above.
+        if (!IsAtOwnLevel(layer)) {
+            return Refuse(texts::kChannelImageAtOtherLevel, NameOf(*channel));
+        }
+        slots_[IndexOf(*channel)] = static_cast<int32_t>(&layer - layers_.data());
+        Join(union_, layer.rect);
+        if (--missing == 0) {
+            return true;
+        }
+    }
+    return Refuse(texts::kMissingChannelImages);
+}
+
+bool ChannelMergeImageProcess::IsAtOwnLevel(const LayerData& layer) const {
+    return curSubLayer >= 0 ? layer.index == curLayer && layer.subIndex >= 0 : layer.subIndex < 0;
+}
+
+bool ChannelMergeImageProcess::IsAlphaLast() const {
+    const int32_t last = *std::max_element(slots_.begin(), slots_.end());
+    return last == slots_[IndexOf(Channel::A)] || Refuse(texts::kAlphaMustBeBelow);
+}
+
+void ChannelMergeImageProcess::MergeLayer(const ExecuteArgs& args) {
+    const auto channel = ChannelAt(args.layer, args.subLayer);
+    if (!channel) {
+        // The folder that holds the layers keeps its area.
+        if (curSubLayer >= 0 && args.layer == curLayer && args.subLayer < 0) {
+            PassRect(args);
+        }
+        return;
+    }
+    if (*channel != Channel::A) {
+        StoreThrough(args.resultCode, 1);
+        CloseGap(args.layer, args.subLayer);
+    }
+    AddToWorkImage(args, *channel);
+    if (*channel == Channel::A) {
+        HandOver(args);
+    }
+    slots_[IndexOf(*channel)] = -1;
+}
+
+std::optional<Channel> ChannelMergeImageProcess::ChannelAt(int32_t layer, int32_t subLayer) const {
+    for (const Channel channel : kChannels) {
+        const int32_t slot = slots_[IndexOf(channel)];
+        if (slot < 0) {
+            continue;
+        }
+        const LayerData& record = layers_[static_cast<size_t>(slot)];
+        if (record.index == layer && record.subIndex == subLayer) {
+            return channel;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The host removes the layer at this position, which moves up those behind it.
+void ChannelMergeImageProcess::CloseGap(int32_t layer, int32_t subLayer) {
+    for (const int32_t slot : slots_) {
+        if (slot < 0) {
+            continue;
+        }
+        LayerData& record = layers_[static_cast<size_t>(slot)];
+        if (curSubLayer >= 0) {
+            if (record.index == curLayer && record.subIndex > subLayer) {
+                --record.subIndex;
+            }
+        } else if (record.subIndex < 0 && record.index > layer) {
+            --record.index;
+        }
+    }
+}
+
+void ChannelMergeImageProcess::AddToWorkImage(const ExecuteArgs& args, Channel channel) {
+    if (args.inRect == nullptr || args.src == nullptr || workImage_ == nullptr) {
+        return;
+    }
+    const bool attenuated = channel != Channel::A && args.layerOpacity != nullptr;
+    const uint32_t percent = attenuated ? *args.layerOpacity : 100;
+    ForEachRun(workImage_.get(), args.src, width, ClippedTo(*this, *args.inRect),
+               [=](RGBA16* dst, const RGBA16* src, size_t count, Store) {
+                   ReplaceChannel(dst, src, count, channel, percent);
+               });
+}
+
+/// Puts the result in place of the alpha layer, under the base name.
+void ChannelMergeImageProcess::HandOver(const ExecuteArgs& args) const {
+    const RECT area{union_.left, union_.top, union_.right, union_.bottom};
+    if (args.outRect != nullptr) {
+        *args.outRect = area;
+    }
+    if (args.dst != nullptr && workImage_ != nullptr) {
+        ForEachRun(args.dst, workImage_.get(), width, ClippedTo(*this, area),
+                   [](RGBA16* dst, const RGBA16* src, size_t count, Store) {
+                       std::copy_n(src, count, dst);
+                   });
+    }
+    const int32_t alphaSlot = slots_[IndexOf(Channel::A)];
+    WriteLayerName(args.layerName, WithoutTag(layers_[static_cast<size_t>(alphaSlot)].name));
+    StoreThrough(args.layerMode, 0);
 }
 
 }  // namespace imgbasic

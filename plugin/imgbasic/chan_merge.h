@@ -1,11 +1,20 @@
 #pragma once
 
+#include <array>
+#include <optional>
+
+#include "lib/base/kv_array.h"
+#include "lib/image/channels.h"
+#include "lib/image/pixel_block.h"
+#include "plugin/imgbasic/layer_data.h"
 #include "plugin/imgbasic/process.h"
+#include "plugin/imgbasic/texts.h"
 
 namespace imgbasic {
 
-/// "chan_merge": four layers, one a channel, joined into one again. Runs in two phases: the first
-/// collects every layer, the second merges. No options.
+/// "chan_merge": the four layers that hold the channels of one picture, joined into one again in
+/// place of the alpha layer. No options. Runs in two phases: the first collects every layer, the
+/// second merges; between them, Phase checks the layers and tells the user what is wrong.
 class ChannelMergeImageProcess final : public ImageProcess {
   public:
     int BatchPrepare() override;
@@ -16,6 +25,28 @@ class ChannelMergeImageProcess final : public ImageProcess {
     bool Execute(const ExecuteArgs& args) override;
     bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override;
     bool Dispose() override;
+
+  private:
+    void CollectLayer(const ExecuteArgs& args);
+    bool FindChannels();
+    bool IsAtOwnLevel(const LayerData& layer) const;
+    bool IsAlphaLast() const;
+    bool Refuse(const Text& text, const Text& argument = {"", ""}) const;
+    void MergeLayer(const ExecuteArgs& args);
+    std::optional<Channel> ChannelAt(int32_t layer, int32_t subLayer) const;
+    void CloseGap(int32_t layer, int32_t subLayer);
+    void AddToWorkImage(const ExecuteArgs& args, Channel channel);
+    void HandOver(const ExecuteArgs& args) const;
+
+    /// Place in `layers_` of each channel's layer; -1 for none, or none any more.
+    using Slots = std::array<int32_t, 4>;
+    static constexpr Slots kNoSlots{-1, -1, -1, -1};
+
+    KVArray<LayerData> layers_;  ///< in the order in which the host showed them
+    int32_t current_ = -1;       ///< place in `layers_` of the host's current layer
+    Slots slots_ = kNoSlots;
+    PixelRect union_;       ///< of the four layers' rectangles
+    PixelBlock workImage_;  ///< the result in the making, the size of the image
 };
 
 }  // namespace imgbasic

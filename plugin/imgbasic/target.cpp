@@ -14,6 +14,8 @@ TargetAction SelectMerged(const ExecuteArgs& args) {
     return TargetAction::ProcessMerged;
 }
 
+}  // namespace
+
 TargetAction SelectCurrent(const ImageProcess& process, const ExecuteArgs& args) {
     if (args.layer != process.curLayer) {
         return TargetAction::Nothing;
@@ -27,8 +29,6 @@ TargetAction SelectCurrent(const ImageProcess& process, const ExecuteArgs& args)
     return args.subLayer == process.curSubLayer ? TargetAction::ProcessLayer
                                                 : TargetAction::Nothing;
 }
-
-}  // namespace
 
 TargetAction SelectTarget(const ImageProcess& process, const ExecuteArgs& args) {
     if (process.TargetType != AllLayers && process.TargetType != CurrentLayer) {

@@ -21,6 +21,9 @@ enum class TargetAction {
 /// that the items below the topmost one are used up.
 TargetAction SelectTarget(const ImageProcess& process, const ExecuteArgs& args);
 
+/// Selects the current layer, whatever TargetType and inRect.
+TargetAction SelectCurrent(const ImageProcess& process, const ExecuteArgs& args);
+
 /// The Execute of a point filter: runs `row(dst, src, count, store)` (see ForEachRun) over the
 /// selected target, clipped to the image, and reports the area. False for a layer in a folder
 /// that the target cannot mean, and when the host never handed over the merged image.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 namespace imgbasic {
 
 /// A text for people in the two encodings that it is needed in.
@@ -18,6 +20,24 @@ extern const Text kChanDecomp;
 extern const Text kChanMerge;
 extern const Text kColReduce;
 extern const Text kScaling;
+
+extern const Text kErrorCaption;
+
+// The channels, as they stand in messages.
+extern const Text kRed;
+extern const Text kGreen;
+extern const Text kBlue;
+extern const Text kAlpha;
+
+// In the place of %s: the name of a channel.
+extern const Text kNotAChannelImage;
+extern const Text kDuplicateChannelImage;
+extern const Text kChannelImageAtOtherLevel;
+extern const Text kMissingChannelImages;
+extern const Text kAlphaMustBeBelow;
+
+/// All of them, for checks.
+std::span<const Text* const> All();
 
 }  // namespace texts
 }  // namespace imgbasic
