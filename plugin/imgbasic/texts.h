@@ -1,6 +1,7 @@
 #pragma once
 
-#include <span>
+#include <array>
+#include <vector>
 
 namespace imgbasic {
 
@@ -36,8 +37,16 @@ extern const Text kChannelImageAtOtherLevel;
 extern const Text kMissingChannelImages;
 extern const Text kAlphaMustBeBelow;
 
+// The lists of the options dialogs, in the order of the options' values.
+extern const std::array<Text, 3> kTargetTypes;
+extern const std::array<Text, 10> kCalcModes;
+extern const std::array<Text, 9> kColorModes;
+extern const std::array<Text, 4> kDitherTypes;
+extern const std::array<Text, 3> kInterTypes;
+extern const std::array<Text, 3> kBoundaryTypes;
+
 /// All of them, for checks.
-std::span<const Text* const> All();
+std::vector<const Text*> All();
 
 }  // namespace texts
 }  // namespace imgbasic

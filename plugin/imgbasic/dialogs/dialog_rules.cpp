@@ -12,10 +12,6 @@
 namespace imgbasic {
 namespace {
 
-/// Percentages that make one pixel, and the largest side, out of a side of one pixel.
-constexpr int64_t kPercent = 100;
-constexpr int64_t kLargestRatio = kPercent * kLargestSide;
-
 int32_t Read(const DialogOption& option) {
     return std::visit([](const auto* field) { return static_cast<int32_t>(*field); }, option.field);
 }
@@ -26,11 +22,6 @@ void Write(const DialogOption& option, int32_t value) {
     } else {
         *std::get<int32_t*>(option.field) = value;
     }
-}
-
-int32_t ScaledSide(int32_t source, int32_t percent) {
-    return static_cast<int32_t>(
-        std::clamp<int64_t>(int64_t{source} * percent / kPercent, kSmallestSide, kLargestSide));
 }
 
 }  // namespace
@@ -92,8 +83,8 @@ DialogEnd CarryOut(Press press, std::span<DialogOption> options, std::span<const
 ScalingOptions::ScalingOptions(const ScalingImageProcess& process)
     : sourceWidth(std::max(process.width, 1)),
       sourceHeight(std::max(process.height, 1)),
-      pixelWidth(std::min(sourceWidth, kLargestSide)),
-      pixelHeight(std::min(sourceHeight, kLargestSide)),
+      pixelWidth(std::min(sourceWidth, ScalingImageProcess::kMaxSize)),
+      pixelHeight(std::min(sourceHeight, ScalingImageProcess::kMaxSize)),
       ratioMode(process.RatioSize),
       ratioWidth(process.RatioWidth),
       ratioHeight(process.RatioHeight),
@@ -111,8 +102,7 @@ void ScalingOptions::StoreIn(ScalingImageProcess& process) const {
         const ValueRange heights = RatioRange(sourceHeight);
         process.RatioWidth = std::clamp(ratioWidth, widths.low, widths.high);
         process.RatioHeight = std::clamp(ratioHeight, heights.low, heights.high);
-        process.newWidth = ScaledSide(sourceWidth, process.RatioWidth);
-        process.newHeight = ScaledSide(sourceHeight, process.RatioHeight);
+        process.SetSizeFromRatio();
     } else {
         process.newWidth = pixelWidth;
         process.newHeight = pixelHeight;
@@ -125,9 +115,11 @@ void ScalingOptions::StoreIn(ScalingImageProcess& process) const {
 }
 
 ValueRange RatioRange(int32_t source) {
+    constexpr int32_t kPercent = 100;
+    constexpr int32_t kLargest = kPercent * ScalingImageProcess::kMaxSize;
     const int64_t side = std::max(source, 1);
     return {static_cast<int32_t>((kPercent + side - 1) / side),
-            static_cast<int32_t>((kLargestRatio + side - 1) / side)};
+            static_cast<int32_t>((kLargest + side - 1) / side)};
 }
 
 int32_t LinkedValue(int32_t value, int32_t ownReference, int32_t partnerReference) {

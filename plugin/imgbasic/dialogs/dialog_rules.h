@@ -43,10 +43,6 @@ enum class DialogEnd { StaysOpen, Confirmed, Cancelled };
 DialogEnd CarryOut(Press press, std::span<DialogOption> options, std::span<const int32_t> shown,
                    ApplyCallback apply);
 
-/// Smallest and largest size of an image's side, pixels.
-constexpr int32_t kSmallestSide = 1;
-constexpr int32_t kLargestSide = 8192;
-
 struct ValueRange {
     int32_t low;
     int32_t high;

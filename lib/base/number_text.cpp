@@ -1,0 +1,56 @@
+#include "lib/base/number_text.h"
+
+#include <algorithm>
+#include <string>
+
+namespace imgbasic {
+namespace {
+
+bool IsLeadByte(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+}
+
+std::string WithoutCommas(std::string_view text) {
+    std::string rest;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (IsLeadByte(text[i])) {
+            // Its second byte belongs to it, whatever that looks like.
+            rest += text.substr(i++, 2);
+        } else if (text[i] != ',') {
+            rest += text[i];
+        }
+    }
+    return rest;
+}
+
+/// The number at the text's beginning, as far as an int32_t goes.
+int64_t LeadingNumber(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    int64_t number = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') {
+            break;
+        }
+        number = std::min<int64_t>(number * 10 + (c - '0'), INT32_MAX);
+    }
+    return negative ? -number : number;
+}
+
+}  // namespace
+
+TypedNumber ReadTypedNumber(std::string_view text, int32_t low, int32_t high, bool leaving) {
+    const std::string rest = WithoutCommas(text);
+    if (rest.empty() && !leaving) {
+        return {};
+    }
+    const int64_t number = LeadingNumber(rest);
+    const int64_t value = std::clamp<int64_t>(number, low, high);
+    return {static_cast<int32_t>(value), leaving && (rest.empty() || value != number)};
+}
+
+}  // namespace imgbasic

@@ -1,0 +1,43 @@
+#include "lib/ui/kv_win32_dialog_base_item.h"
+
+#include "lib/base/log.h"
+#include "lib/ui/kv_win32_dialog_window.h"
+
+namespace imgbasic {
+
+void KVWin32DialogBaseItem::Enable(bool enabled) {
+    enabled_ = enabled;
+    EnableWindow(control_, enabled);
+}
+
+bool KVWin32DialogBaseItem::OnInitDialog(KVWin32DialogWindow* dialog) {
+    if (dialog == nullptr || dialog->Dialog() == nullptr) {
+        Log("[KVWin32DialogBaseItem::OnInitDialog]ダイアログが生成されていません。\n");
+        return false;
+    }
+    dialog_ = dialog;
+    control_ = Find(id_);
+    if (control_ == nullptr) {
+        Log("[KVWin32DialogBaseItem::OnInitDialog]ダイアログにアイテムID%dが存在しません\n", id_);
+        return false;
+    }
+    GetWindowRect(control_, &rect_);
+    MapWindowPoints(nullptr, dialog->Dialog(), reinterpret_cast<POINT*>(&rect_), 2);
+    return true;
+}
+
+bool KVWin32DialogBaseItem::HandleMessage(UINT /*message*/, WPARAM /*wParam*/, LPARAM /*lParam*/) {
+    return false;
+}
+
+HWND KVWin32DialogBaseItem::Find(int id) const {
+    return GetDlgItem(dialog_->Dialog(), id);
+}
+
+void KVWin32DialogBaseItem::NotifyChange(ItemChangeFlag flag, int32_t value) {
+    if (notifies_) {
+        dialog_->OnItemChange(id_, flag, value);
+    }
+}
+
+}  // namespace imgbasic
