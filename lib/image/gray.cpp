@@ -1,7 +1,6 @@
 #include "lib/image/gray.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "lib/image/composite.h"
 #include "lib/image/gray_forms.h"

@@ -87,20 +87,16 @@ void ExpectEqualForms(SimdLevel level, uint32_t seed, Kernel&& kernel) {
 /// expects equal results.
 template <typename Kernel>
 void ExpectEqualResults(SimdLevel level, const std::vector<RGBA16>& pixels, Kernel&& kernel) {
-    const auto run = [&](SimdLevel used) {
-        const ScopedSimdLevel scope(used);
-        std::vector<RGBA16> result(pixels.size());
-        kernel(result.data(), pixels.data(), pixels.size());
-        return result;
-    };
-    const auto expected = run(SimdLevel::Scalar);
-    const auto actual = run(level);
-    const auto differs =
-        std::mismatch(expected.begin(), expected.end(), actual.begin()).first - expected.begin();
+    std::vector<RGBA16> expected(pixels.size());
+    std::vector<RGBA16> actual(pixels.size());
+    for (const bool scalar : {true, false}) {
+        const ScopedSimdLevel scope(scalar ? SimdLevel::Scalar : level);
+        kernel((scalar ? expected : actual).data(), pixels.data(), pixels.size());
+    }
+    const auto differs = std::ranges::mismatch(expected, actual).in1 - expected.begin();
     const auto i = static_cast<size_t>(differs);
-    ASSERT_EQ(i, pixels.size()) << "of " << testing::PrintToString(pixels[i]) << " came "
-                                << testing::PrintToString(actual[i]) << ", not "
-                                << testing::PrintToString(expected[i]);
+    ASSERT_EQ(i, pixels.size()) << testing::PrintToString(pixels[i]) << " became "
+                                << testing::PrintToString(actual[i]);
 }
 
 /// One colour, the same in all channels, under every alpha there is.
