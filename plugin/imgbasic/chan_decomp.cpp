@@ -18,8 +18,8 @@ bool IsLeadByte(char c) {
     return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
 }
 
-/// Cuts a long Shift-JIS name by a walk over pairs of bytes. The walk is an agreement with
-/// existing documents, not a good one: it keeps a lead byte at position 56 without its second.
+/// Cuts a long Shift-JIS name by a walk over pairs of bytes. A character that begins at byte 57 is
+/// left out, but one that begins at 56 loses its second byte: documents have such names.
 std::string_view CutForTag(std::string_view name) {
     if (name.size() < kNameLimit) {
         return name;

@@ -67,10 +67,11 @@ bool Covers(const std::optional<PixelRect>& rect, size_t pixel) {
 struct TreeHost {
     const char* filter;
     Tree tree;
+    Position current;
     ImageProcess* object = nullptr;
     std::string message = {};
 
-    int Run(Position current) {
+    int Run() {
         const ErrorCapture capture([this](HWND, const Text& text) { message = text.utf8; });
         object = ImagePluginPrepare2(filter, kWidth, kHeight, 0, current.layer, current.subLayer, 0,
                                      0, 0, nullptr, 0, nullptr);
@@ -111,11 +112,16 @@ struct TreeHost {
             Erase(tree, place);
             return false;
         }
+        const auto area = std::bit_cast<PixelRect>(written);
+        if (layer.rect && !layer.inFolder && position.layer == current.layer &&
+            current.subLayer >= 0) {
+            EXPECT_EQ(area, *layer.rect) << "the folder of the current layer keeps its area";
+        }
         out.name = ReadLayerName(name.data());
         if (code == 2) {
             out.pixels.assign(kPixels, {});
         }
-        if (const auto area = std::bit_cast<PixelRect>(written); area != kUnwritten) {
+        if (area != kUnwritten) {
             out.rect = area;
             for (size_t i = 0; i < kPixels; ++i) {
                 out.pixels[i] = Covers(area, i) ? dst[i] : out.pixels[i];
@@ -287,8 +293,8 @@ struct RandomTrees {
 };
 
 void ExpectSimpleMerge(const Tree& tree, size_t current) {
-    TreeHost merge{"chan_merge", tree};
-    const int result = merge.Run(PositionOf(tree, current));
+    TreeHost merge{"chan_merge", tree, PositionOf(tree, current)};
+    const int result = merge.Run();
     Tree expected = tree;
     EXPECT_EQ(merge.message, SimpleMerge(expected, current));
     EXPECT_EQ(result, merge.message.empty() ? 1 : -2);
@@ -303,8 +309,8 @@ TEST(ChannelFilters, DoToRandomTreesWhatThePlainModelDoes) {
         const size_t current = random.Below(tree.size());
         ExpectSimpleMerge(tree, current);
 
-        TreeHost decompose{"chan_decomp", tree};
-        EXPECT_EQ(decompose.Run(PositionOf(tree, current)), 1);
+        TreeHost decompose{"chan_decomp", tree, PositionOf(tree, current)};
+        EXPECT_EQ(decompose.Run(), 1);
         Tree expected = tree;
         SimpleDecompose(expected, current);
         EXPECT_EQ(decompose.tree, expected);
