@@ -5,6 +5,7 @@
 #include "host/cli/filter_command.h"
 #include "host/cli/picture_change.h"
 #include "host/cli/report.h"
+#include "host/memory_limit.h"
 
 namespace imgbasic::host {
 namespace {
@@ -15,11 +16,6 @@ class JobError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Whether the run works on the current layer only; what the module remembers is not known here.
-bool AimsAtLayer(const FilterCommand& command) {
-    return command.target == CurrentLayer;
-}
-
 LayerPosition CurrentPosition(const FilterCommand& command, const Document& document) {
     const LayerPosition position{command.layer.value_or(0), command.subLayer.value_or(-1)};
     const auto count = static_cast<int32_t>(document.items.size());
@@ -27,21 +23,31 @@ LayerPosition CurrentPosition(const FilterCommand& command, const Document& docu
         throw JobError("has no layer " + std::to_string(position.item) + ", only " +
                        std::to_string(count) + "; `imgbasic info` lists them");
     }
+    const std::string layer = "layer " + std::to_string(position.item);
     const auto* folder = std::get_if<Folder>(&document.items[static_cast<size_t>(position.item)]);
-    if (position.layer >= 0 &&
-        (folder == nullptr || position.layer >= static_cast<int32_t>(folder->layers.size()))) {
-        throw JobError("layer " + std::to_string(position.item) +
-                       (folder == nullptr ? " is no folder" : " is a smaller folder") +
-                       "; `imgbasic info` lists the layers");
+    if (position.layer >= 0 && folder == nullptr) {
+        throw JobError(layer + " is no folder; leave out --sub-layer");
     }
-    if (AimsAtLayer(command) && folder != nullptr && position.layer < 0) {
-        throw JobError("layer " + std::to_string(position.item) +
-                       " is a folder; choose one of its layers with --sub-layer");
+    if (position.layer >= 0 && position.layer >= static_cast<int32_t>(folder->layers.size())) {
+        throw JobError(layer + " has no layer " + std::to_string(position.layer) +
+                       " inside; `imgbasic info` lists them");
+    }
+    if (command.target == CurrentLayer && folder != nullptr && position.layer < 0) {
+        throw JobError(layer + " is a folder; choose one of its layers with --sub-layer");
     }
     return position;
 }
 
-RunRequest RequestFor(const FilterCommand& command, const Document& document,
+size_t CountLayers(const Document& document) {
+    size_t count = 0;
+    for (const Item& item : document.items) {
+        const auto* folder = std::get_if<Folder>(&item);
+        count += folder != nullptr ? folder->layers.size() : 1;
+    }
+    return count;
+}
+
+RunRequest RequestFor(const FilterCommand& command, const FileJob& job, const Document& document,
                       ImageProcess* reference) {
     RunRequest request{.filter = command.filter,
                        .current = CurrentPosition(command, document),
@@ -55,6 +61,7 @@ RunRequest RequestFor(const FilterCommand& command, const Document& document,
     request.options.insert(request.options.end(), command.options.begin(), command.options.end());
     if (!command.size.IsEmpty()) {
         const PixelSize size = ScaledSize(command.size, {document.width, document.height});
+        RequireMemory(job.input.string(), size.width, size.height, CountLayers(document) + 1);
         request.options.push_back(Option(command.filter, "newWidth", size.width));
         request.options.push_back(Option(command.filter, "newHeight", size.height));
     }
@@ -70,7 +77,7 @@ void Save(const FilterCommand& command, const FileJob& job, const Document& docu
         return;
     }
     for (const std::string& note : SaveDocument(document, job.output, command.save)) {
-        report.Note(job.output.string() + ": " + note);
+        report.Note(note);
     }
 }
 
@@ -112,9 +119,9 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
     std::vector<std::string> notes;
     const Document document = LoadDocument(job.input, &notes);
     for (const std::string& note : notes) {
-        report.Note(job.input.string() + ": " + note);
+        report.Note(note);
     }
-    const RunRequest request = RequestFor(command, document, reference);
+    const RunRequest request = RequestFor(command, job, document, reference);
     const Stopwatch stopwatch;
     const RunOutcome outcome = RunFilter(module, document, request);
     const double milliseconds = stopwatch.Milliseconds();

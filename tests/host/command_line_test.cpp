@@ -1,0 +1,212 @@
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+
+#include "host/flatten.h"
+#include "tests/host/test_files.h"
+
+namespace imgbasic::host {
+namespace {
+
+using testing::HasSubstr;
+
+struct Result {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+/// Runs the program in the test's folder. Runs name their target, so that what this user's module
+/// remembers plays no part.
+class CommandLine : public FileTest {
+  protected:
+    Result Run(const std::string& arguments) const {
+        static const std::string program =
+            std::filesystem::read_symlink("/proc/self/exe").parent_path() / "imgbasic";
+        const std::string command = "cd '" + Path("").string() + "' && { " + arguments + "; }";
+        const std::string shell = "imgbasic() { '" + program + "' \"$@\"; }; { " + command +
+                                  "; } 2>'" + ErrorPath() + "'";
+        Result result;
+        FILE* pipe = popen(shell.c_str(), "r");
+        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+            result.out += static_cast<char>(c);
+        }
+        const int status = pclose(pipe);
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        result.err = Bytes("../" + std::filesystem::path(ErrorPath()).filename().string());
+        std::filesystem::remove(ErrorPath());
+        return result;
+    }
+
+    /// An image of 8 bits a channel.
+    Document WriteImage(const std::string& name, uint32_t seed) const {
+        const Document document = OneLayer(13, 9, 8, RandomDocuments(seed).Pixels(13 * 9, 8));
+        SaveDocument(document, Path(name), {});
+        return document;
+    }
+
+    std::vector<RGBA16> Pixels(const std::string& name) const {
+        return Flatten(LoadDocument(Path(name)));
+    }
+
+  private:
+    std::string ErrorPath() const {
+        std::string path = Path("").parent_path().string();
+        return path + ".err";
+    }
+};
+
+TEST_F(CommandLine, InvertsTwiceToTheSamePixels) {
+    WriteImage("in.png", 1);
+    const Result result =
+        Run("imgbasic nega in.png -o once.png --target merged && "
+            "imgbasic nega once.png -o twice.png --target merged");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "once.png\ntwice.png\n");
+    EXPECT_EQ(result.err, "");
+    EXPECT_NE(Pixels("once.png"), Pixels("in.png"));
+    EXPECT_EQ(Pixels("twice.png"), Pixels("in.png"));
+}
+
+TEST_F(CommandLine, ReportsABadFileAndGoesOnWithTheOthers) {
+    for (const char* name : {"a.png", "b.png", "c.png"}) {
+        WriteImage(name, static_cast<uint32_t>(name[0]));
+    }
+    WriteBytes("bad.png", Bytes("a.png").substr(0, 60));
+    for (const char* jobs : {"1", "3"}) {
+        const Result result =
+            Run("imgbasic nega a.png bad.png b.png c.png missing.png --target "
+                "merged -o out" +
+                std::string(jobs) + "/ --jobs " + jobs);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.err, HasSubstr("imgbasic: bad.png: "));
+        EXPECT_THAT(result.err, HasSubstr("imgbasic: missing.png: "));
+        EXPECT_EQ(std::ranges::count(result.err, '\n'), 2) << result.err;
+        EXPECT_EQ(std::ranges::count(result.out, '\n'), 3) << result.out;
+    }
+    for (const char* name : {"a.png", "b.png", "c.png"}) {
+        EXPECT_EQ(Bytes("out1/" + std::string(name)), Bytes("out3/" + std::string(name)));
+    }
+}
+
+TEST_F(CommandLine, ReportsAWorkerThatDies) {
+    WriteImage("a.png", 1);
+    WriteImage("b.png", 2);
+    // The system ends a process that writes more than the limit.
+    const Result result =
+        Run("(ulimit -f 0; imgbasic nega a.png b.png -o out/ --jobs 2 2>&1; echo $?)");
+    EXPECT_THAT(result.out, HasSubstr("imgbasic: a.png: the worker process died"));
+    EXPECT_THAT(result.out, HasSubstr("imgbasic: b.png: the worker process died"));
+    EXPECT_THAT(result.out, testing::EndsWith("\n1\n"));
+}
+
+TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
+    WriteImage("in.png", 1);
+    std::filesystem::create_directory(Path("other"));
+    std::filesystem::copy(Path("in.png"), Path("other/in.png"));
+    RandomDocuments random(3);
+    Folder folder;
+    folder.layers.push_back(random.AnyLayer(5, 5));
+    Document layered{5, 5, 8, {}};
+    layered.items.emplace_back(folder);
+    SaveDocument(layered, Path("layers.ora"), {});
+    const auto before = std::distance(std::filesystem::recursive_directory_iterator(Path("")), {});
+    const struct {
+        const char* arguments;
+        int status;
+        const char* message;
+    } cases[] = {
+        {"", 2, "a command is missing"},
+        {"sepia in.png -o x.png", 2, "sepia"},
+        {"nega in.png", 2, "--output is required"},
+        {"nega -o x.png", 2, "IN is required"},
+        {"nega in.png -o x.png --jobs 0", 2, "--jobs: Value 0"},
+        {"nega in.png -o x.png --jobs -3", 2, "--jobs: Value -3"},
+        {"nega in.png -o x.png --depth 12", 2, "--depth"},
+        {"nega in.png -o x.png --target some", 2, "'some' is none of merged, all, current"},
+        {"nega in.png -o x.png --sub-layer 0", 2, "--sub-layer requires --layer"},
+        {"nega in.png -o x.png --set Threshold=1", 2, "the options are TargetType"},
+        {"nega in.png layers.ora -o x.png", 2, "several inputs need a folder"},
+        {"nega in.png other/in.png -o out/", 2, "in.png and other/in.png would both become"},
+        {"nega in.png -o in.png", 1, "in.png: exists already; --force overwrites it"},
+        {"nega in.png -o x.xyz", 1, "x.xyz: "},
+        {"nega in.png -o no/x.png", 1, "no/x.png: "},
+        {"nega in.png -o x.png --layer 1", 1, "in.png: has no layer 1, only 1"},
+        {"nega in.png -o x.png --layer 0 --sub-layer 0", 1, "layer 0 is no folder"},
+        {"nega layers.ora -o x.png --layer 0", 1, "layer 0 is a folder; choose one of its layers"},
+        {"nega layers.ora -o x.png --layer 0 --sub-layer 1", 1, "layer 0 has no layer 1 inside"},
+        {"nega in.png -o x.png --module in.png", 1, "in.png: the filter module cannot be loaded"},
+        {"gray in.png -o x.png --draw-color 33669", 2, "'33669' is no colour"},
+        {"gray in.png -o x.png --method luma", 2, "'luma' is none of average"},
+        {"mono in.png -o x.png --threshold 256", 2, "--threshold: Value 256"},
+        {"scaling in.png -o x.png", 2, "scaling needs a size"},
+        {"scaling in.png -o x.png --width 8193", 2, "--width: Value 8193"},
+        {"scaling in.png -o x.png --fit 9x", 2, "'9x' is no box"},
+        {"scaling in.png -o x.png --fit 0x9", 2, "'0x9' is no box"},
+        {"scaling in.png -o x.png --width 9 --ratio 50", 2, "--ratio excludes --width"},
+        {"scaling in.png -o x.png --ratio 99999", 1, "in.png: the new size would be"},
+        {"info missing.png", 1, "missing.png: "},
+    };
+    for (const auto& test : cases) {
+        const Result result = Run(std::string("imgbasic ") + test.arguments);
+        EXPECT_EQ(result.status, test.status) << test.arguments;
+        EXPECT_THAT(result.err, testing::StartsWith("imgbasic: ")) << test.arguments;
+        EXPECT_THAT(result.err, HasSubstr(test.message)) << test.arguments;
+        EXPECT_EQ(result.out, "") << test.arguments;
+    }
+    EXPECT_EQ(std::distance(std::filesystem::recursive_directory_iterator(Path("")), {}), before);
+}
+
+TEST_F(CommandLine, OptionsReachTheFilterInEveryWayOfRunning) {
+    WriteImage("a.png", 1);
+    WriteImage("b.png", 2);
+    const Result result =
+        Run("imgbasic mono a.png -o flag.png --target all --threshold 7 &&"
+            "imgbasic mono a.png -o set.png --set TargetType=1 --set Threshold=7 &&"
+            "imgbasic mono a.png b.png -o batch/ --target all --threshold 7 &&"
+            "imgbasic mono a.png -o other.png --target all --threshold 200 --quiet");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "flag.png\nset.png\nbatch/a.png\nbatch/b.png\n");
+    EXPECT_EQ(Bytes("set.png"), Bytes("flag.png"));
+    EXPECT_EQ(Bytes("batch/a.png"), Bytes("flag.png"));
+    EXPECT_NE(Pixels("other.png"), Pixels("flag.png"));
+}
+
+TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {
+    EXPECT_EQ(Run("imgbasic list").out,
+              "FILTER       NAME            CHANGES SIZE  BATCH  PHASES\n"
+              "gray         グレースケール  no            yes    1\n"
+              "mono         2階調化         no            yes    1\n"
+              "nega         階調の反転      no            yes    1\n"
+              "chan_decomp  チャンネル分解  no            no     1\n"
+              "chan_merge   チャンネル結合  no            no     2\n"
+              "col_reduce   減色            no            yes    1\n"
+              "scaling      拡大縮小        yes           yes    1\n");
+}
+
+TEST_F(CommandLine, ShowsTheLayersOfAFile) {
+    Document document = OneLayer(5, 4, 16, std::vector<RGBA16>(20));
+    Layer layer = std::get<Layer>(document.items[0]);
+    layer.name = "空e\u0301😀";
+    layer.kind = CompositionKind::Additive;
+    layer.pixels[6] = {1, 0, 0, kFullScale};
+    layer.bounds = BoundsOf(layer.pixels, 5, 4);
+    Folder folder;
+    folder.name = "folder";
+    folder.opacity = 40;
+    folder.visible = false;
+    layer.clip = true;
+    folder.layers.push_back(layer);
+    document.items.emplace_back(folder);
+    SaveDocument(document, Path("x.ora"), {});
+    EXPECT_EQ(Run("imgbasic info x.ora").out,
+              "x.ora: 5 x 4 pixels, 16 bits a channel\n"
+              "LAYER  NAME     HOLDS          KIND      OPACITY\n"
+              "0               empty          normal    100 %\n"
+              "1      folder   folder         normal    40 %     hidden\n"
+              "  1 0    空e\u0301😀  1 x 1 at 1, 1  additive  100 %    clipped\n");
+}
+
+}  // namespace
+}  // namespace imgbasic::host
