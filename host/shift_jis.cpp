@@ -5,6 +5,8 @@
 #ifndef _WIN32
 #include <iconv.h>
 
+#include <cstdint>
+
 #include <stdexcept>
 #endif
 
@@ -46,7 +48,7 @@ size_t UnknownLength(std::string_view text, bool isUtf8) {
 /// Neither direction needs more than three bytes out for one byte in.
 std::string Convert(std::string_view text, const char* from, const char* to, bool fromUtf8) {
     const iconv_t converter = iconv_open(to, from);
-    if (converter == reinterpret_cast<iconv_t>(-1)) {
+    if (reinterpret_cast<intptr_t>(converter) == -1) {
         throw std::runtime_error(std::string("this system cannot convert ") + from + " to " + to);
     }
     std::string converted(text.size() * 3, '\0');
