@@ -90,7 +90,8 @@ void AverageRowScalar(const AverageRow& row, size_t begin, size_t end) {
 
 void ResampleAverage(const ResampleTarget& destination, const ResampleSource& source,
                      std::optional<PixelRect> clip) {
-    static constexpr KernelForms<AverageRowForm> kForms{AverageRowScalar};
+    static constexpr KernelForms<AverageRowForm> kForms{
+        AverageRowScalar, IMGBASIC_X86_FORM(AverageRowAvx2), IMGBASIC_X86_FORM(AverageRowAvx512)};
     const auto resampling = PrepareResampling(destination, source, clip);
     if (!resampling) {
         return;
@@ -114,7 +115,8 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
                              columns.pixelWeights.data(),
                              resampling->columns.coverage.data(),
                              rows.coverage[j],
-                             source.width};
+                             source.width,
+                             StoreFor(columns.count * rows.Count())};
         kForms.Active()(row, 0, columns.count);
     }
 }

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "lib/image/rgba16.h"
+#include "lib/image/row_kernel.h"
 
 namespace imgbasic {
 
@@ -29,12 +30,15 @@ struct AverageRow {
     const double* coverage;
     double rowCoverage;
     int32_t sourceWidth;
+    Store store;
 };
 
 /// Averages the columns [begin, end) of a row.
 using AverageRowForm = void(const AverageRow& row, size_t begin, size_t end);
 
 AverageRowForm AverageRowScalar;
+AverageRowForm AverageRowAvx2;
+AverageRowForm AverageRowAvx512;
 
 constexpr double kSmallestArea = 1e-6;  ///< with a smaller weight sum a pixel has no result
 

@@ -103,7 +103,9 @@ void BilinearRowScalar(const BilinearRow& row, size_t begin, size_t end) {
 
 void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& destination,
                       const ResampleSource& source, std::optional<PixelRect> clip) {
-    static constexpr KernelForms<BilinearRowForm> kForms{BilinearRowScalar};
+    static constexpr KernelForms<BilinearRowForm> kForms{BilinearRowScalar,
+                                                         IMGBASIC_X86_FORM(BilinearRowAvx2),
+                                                         IMGBASIC_X86_FORM(BilinearRowAvx512)};
     const auto resampling = PrepareResampling(destination, source, clip);
     if (!resampling || (LooksAtClip(boundary) && !resampling->columns.HasClip())) {
         return;

@@ -42,6 +42,8 @@ struct BilinearRow {
 using BilinearRowForm = void(const BilinearRow& row, size_t begin, size_t end);
 
 BilinearRowForm BilinearRowScalar;
+BilinearRowForm BilinearRowAvx2;
+BilinearRowForm BilinearRowAvx512;
 
 constexpr double kFullInside = 0.85;  ///< the inside weight from which on nothing fades
 

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <span>
 #include <vector>
 
 #include "lib/image/resample_nearest_forms.h"
@@ -32,27 +31,24 @@ NearestColumns FindColumns(const ResampleAxis& axis) {
     return columns;
 }
 
-/// As CopyColumns, for destination pixels that are covered in part.
-void CopyCovered(RGBA16* dst, const RGBA16* row, const int32_t* columns,
-                 std::span<const double> coverage, double rowCoverage) {
-    for (size_t i = 0; i < coverage.size(); ++i) {
-        const RGBA16 pixel = row[columns[i]];
+/// As NearestRowForm, for columns that the rectangle covers in part.
+void FillCovered(const NearestRow& row, size_t begin, size_t end,
+                 const std::vector<double>& coverage, double rowCoverage) {
+    for (size_t i = begin; i < end; ++i) {
+        const RGBA16 pixel = row.source[row.index[i]];
         if (pixel.a != 0) {
-            dst[i] = {pixel.r, pixel.g, pixel.b, ToChannel(coverage[i] * rowCoverage * pixel.a)};
+            row.dst[i] = {pixel.r, pixel.g, pixel.b,
+                          ToChannel(coverage[i] * rowCoverage * pixel.a)};
         }
     }
 }
 
-void DrawRow(RGBA16* dst, const RGBA16* row, int32_t width, const NearestColumns& columns,
-             std::span<const double> coverage, double rowCoverage, Store store) {
-    static constexpr KernelForms<CopyColumnsForm> kForms{CopyColumnsScalar};
-    const int32_t* index = columns.index.data();
-    const auto drawCovered = [&](size_t begin, size_t end) {
-        CopyCovered(dst + begin, row, index + begin, coverage.subspan(begin, end - begin),
-                    rowCoverage);
-    };
+void FillRow(const NearestRow& row, const NearestColumns& columns,
+             const std::vector<double>& coverage, double rowCoverage) {
+    static constexpr KernelForms<NearestRowForm> kForms{
+        NearestRowScalar, IMGBASIC_X86_FORM(NearestRowAvx2), IMGBASIC_X86_FORM(NearestRowAvx512)};
     if (rowCoverage != 1) {
-        drawCovered(columns.begin, columns.end);
+        FillCovered(row, columns.begin, columns.end, coverage, rowCoverage);
         return;
     }
     // Only the first and the last column can be covered in part.
@@ -60,19 +56,18 @@ void DrawRow(RGBA16* dst, const RGBA16* row, int32_t width, const NearestColumns
     size_t end = columns.end;
     begin += begin < end && coverage[begin] != 1 ? 1 : 0;
     end -= begin < end && coverage[end - 1] != 1 ? 1 : 0;
-    drawCovered(columns.begin, begin);
-    kForms.Active()(dst + begin, row, width, index + begin, end - begin, store);
-    drawCovered(end, columns.end);
+    FillCovered(row, columns.begin, begin, coverage, rowCoverage);
+    kForms.Active()(row, begin, end);
+    FillCovered(row, end, columns.end, coverage, rowCoverage);
 }
 
 }  // namespace
 
-void CopyColumnsScalar(RGBA16* dst, const RGBA16* row, int32_t /*width*/, const int32_t* columns,
-                       size_t count, Store /*store*/) {
-    for (size_t i = 0; i < count; ++i) {
-        const RGBA16 pixel = row[columns[i]];
+void NearestRowScalar(const NearestRow& row, size_t begin, size_t end) {
+    for (size_t i = begin; i < end; ++i) {
+        const RGBA16 pixel = row.source[row.index[i]];
         if (pixel.a != 0) {
-            dst[i] = pixel;
+            row.dst[i] = pixel;
         }
     }
 }
@@ -89,8 +84,9 @@ void ResampleNearest(const ResampleTarget& destination, const ResampleSource& so
     for (size_t j = 0; j < rows.Count(); ++j) {
         const int64_t index = ToIndex(std::floor(rows.SourcePosition(rows.sum[j])));
         if (rows.IsInClip(index)) {
-            DrawRow(resampling->TargetRow(destination, j), SourceRow(source, index), source.width,
-                    columns, resampling->columns.coverage, rows.coverage[j], store);
+            const NearestRow row{resampling->TargetRow(destination, j), SourceRow(source, index),
+                                 columns.index.data(), source.width, store};
+            FillRow(row, columns, resampling->columns.coverage, rows.coverage[j]);
         }
     }
 }

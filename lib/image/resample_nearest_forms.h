@@ -8,11 +8,20 @@
 
 namespace imgbasic {
 
-/// dst[i] = row[columns[i]] for `count` columns that ascend, leaving `dst` alone where that pixel
-/// is transparent. `row` has `width` pixels.
-using CopyColumnsForm = void(RGBA16* dst, const RGBA16* row, int32_t width, const int32_t* columns,
-                             size_t count, Store store);
+/// One destination row to fill: dst[i] = source[index[i]], except where that pixel is transparent.
+struct NearestRow {
+    RGBA16* dst;
+    const RGBA16* source;
+    const int32_t* index;
+    int32_t sourceWidth;
+    Store store;
+};
 
-CopyColumnsForm CopyColumnsScalar;
+/// Fills the columns [begin, end) of a row, all of which the rectangle covers in full.
+using NearestRowForm = void(const NearestRow& row, size_t begin, size_t end);
+
+NearestRowForm NearestRowScalar;
+NearestRowForm NearestRowAvx2;
+NearestRowForm NearestRowAvx512;
 
 }  // namespace imgbasic
