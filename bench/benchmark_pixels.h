@@ -2,10 +2,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace imgbasic {
@@ -25,35 +24,22 @@ constexpr BenchSize k16Megapixels{4928, 3264};
 /// Copies `bytes` between buffers of its own that are kept warm; the yardstick of every ratio.
 void CopyMemory(size_t bytes);
 
-inline double SecondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
+/// What an operation is compared with, and the counter that tells the outcome.
+struct BenchPeer {
+    const char* counter;
+    std::function<void()> run;
+};
 
-/// Times `operation` in turn with a memory copy of `bytes` and reports "copy_ratio": the median
-/// time of the copy over the median time of the operation. Alternating the two lets a busy
-/// machine slow both alike.
-template <typename Operation>
-void RunBesideMemoryCopy(benchmark::State& state, size_t bytes, Operation&& operation) {
-    std::vector<double> own;
-    std::vector<double> copies;
-    CopyMemory(bytes);
-    operation();
-    for (auto iteration : state) {
-        (void)iteration;
-        auto start = std::chrono::steady_clock::now();
-        CopyMemory(bytes);
-        copies.push_back(SecondsSince(start));
-        start = std::chrono::steady_clock::now();
-        operation();
-        own.push_back(SecondsSince(start));
-        state.SetIterationTime(own.back());
-    }
-    const auto median = [](std::vector<double>& times) {
-        std::nth_element(times.begin(), times.begin() + static_cast<ptrdiff_t>(times.size() / 2),
-                         times.end());
-        return times[times.size() / 2];
-    };
-    state.counters["copy_ratio"] = median(copies) / median(own);
+/// Times `operation` in turn with every peer and reports in the peer's counter its median time
+/// over the operation's: how many times as fast as the peer the operation is. Taking turns lets
+/// a busy machine slow all alike.
+void RunBesidePeers(benchmark::State& state, const std::vector<BenchPeer>& peers,
+                    const std::function<void()>& operation);
+
+/// Compares `operation` with a memory copy of `bytes` in "copy_ratio".
+inline void RunBesideMemoryCopy(benchmark::State& state, size_t bytes,
+                                const std::function<void()>& operation) {
+    RunBesidePeers(state, {{"copy_ratio", [bytes] { CopyMemory(bytes); }}}, operation);
 }
 
 }  // namespace imgbasic

@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "lib/image/kv_inflate.h"
+
 namespace imgbasic {
 namespace {
 
@@ -13,8 +15,15 @@ static_assert(std::endian::native == std::endian::little, "pixel words are store
 
 constexpr uint64_t kPaletteBytes = kPaletteSlots * sizeof(uint32_t);
 
+// A compressed stream that announces more than this beyond the layout is not believed.
+constexpr uint64_t kMostSurplus = uint64_t{64} << 10;
+
 uint64_t PaddedStride(int32_t width) {
     return (static_cast<uint64_t>(width) + 3) & ~uint64_t{3};
+}
+
+bool IsPossible(int32_t width, int32_t height, uint32_t paletteCount) {
+    return width >= 1 && height >= 1 && paletteCount <= kPaletteSlots;
 }
 
 // No product of two 31-bit sizes and 4 leaves 64 bits.
@@ -28,7 +37,7 @@ uint64_t BlockSize(int32_t width, int32_t height, bool indexed) {
 
 KVBitmap::KVBitmap(int32_t width, int32_t height, uint32_t paletteCount)
     : KVBitmap(width, height, paletteCount, {}) {
-    if (width >= 1 && height >= 1 && paletteCount <= kPaletteSlots) {
+    if (IsPossible(width, height, paletteCount)) {
         block_ = AllocateZeroed(BlockSize(width, height, IsIndexed()));
     }
 }
@@ -46,7 +55,38 @@ KVBitmap::KVBitmap(int32_t width, int32_t height, uint32_t paletteCount,
 KVBitmap::~KVBitmap() = default;
 
 bool KVBitmap::EnsurePixels() const {
+    if (block_ == nullptr && !locked && identifier < 0 && !compressedPixels_.empty() &&
+        IsPossible(width_, height_, paletteCount_)) {
+        InflatePixels();
+    }
     return block_ != nullptr;
+}
+
+void KVBitmap::InflatePixels() const {
+    const uint64_t size = BlockSize(width_, height_, IsIndexed());
+    const auto columns = static_cast<uint64_t>(width_);
+    const auto rows = static_cast<uint64_t>(height_);
+    const uint64_t paletteBytes = paletteCount_ * sizeof(uint32_t);
+    const uint64_t least = IsIndexed() ? paletteBytes + columns * rows : size;
+    InflatedBlock inflated = InflateMemory(compressedPixels_, least, size + kMostSurplus);
+    block_ = std::move(inflated.bytes);
+    if (block_ == nullptr || !IsIndexed() || static_cast<uint64_t>(inflated.size) == size) {
+        return;
+    }
+    // Packed: laid out anew, or used as it is when there is no memory for that.
+    ZeroedBlock padded = AllocateZeroed(size);
+    if (padded == nullptr) {
+        firstRow_ = paletteBytes;
+        rowStride_ = columns;
+        return;
+    }
+    const uint8_t* packed = block_.get();
+    std::copy_n(packed, paletteBytes, padded.get());
+    packed += paletteBytes;
+    for (uint64_t y = 0; y < rows; ++y, packed += columns) {
+        std::copy_n(packed, columns, padded.get() + firstRow_ + rowStride_ * y);
+    }
+    block_ = std::move(padded);
 }
 
 std::span<uint32_t> KVBitmap::WordSpan() const {

@@ -66,6 +66,7 @@ class KVBitmap {
     KVArray<int32_t> integerList;
 
   private:
+    void InflatePixels() const;
     std::span<uint32_t> WordSpan() const;
     std::span<uint32_t> PaletteSpan() const;
     std::span<uint8_t> RowSpan(int32_t y) const;
