@@ -134,7 +134,7 @@ const std::vector<FaultCase>& FaultCases() {
 // Behind some data the decoder has no room for its fast loop, behind other it has.
 TEST(InflateFault, LogsItsLineAndKeepsWhatCameBefore) {
     for (const FaultCase& fault : FaultCases()) {
-        for (const size_t padding : {0, 100}) {
+        for (const size_t padding : {0U, 100U}) {
             for (const std::string name : {"", "a.kv"}) {
                 SCOPED_TRACE(fault.name + std::string(", padding ") + std::to_string(padding));
                 Bytes data = fault.data;
@@ -206,7 +206,7 @@ TEST(InflateFault, ChecksTheAnnouncedCrcWhenAllWasRead) {
     constexpr uint32_t kCrcOfA = 0xD3D99E8B;
     const Bytes data = FixedA().Code("0000000");
     for (const uint32_t crc : {kCrcOfA, kCrcOfA ^ 1}) {
-        for (const size_t size : {0, 1}) {
+        for (const size_t size : {0U, 1U}) {
             const Bytes stream = PixelStream(1, data, 5, {crc});
             KVMemoryFile file(stream, "a.kv");
             KVInflate inflate;
