@@ -217,7 +217,9 @@ std::vector<std::byte> Encoded(const VImage& image, RasterFormat format) {
                     ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL));
             break;
         case RasterFormat::Png:
-            blob = image.pngsave_buffer(VImage::option()->set("compression", 6));
+            blob = image.pngsave_buffer(VImage::option()
+                                            ->set("compression", 3)
+                                            ->set("filter", VIPS_FOREIGN_PNG_FILTER_SUB));
             break;
     }
     size_t size = 0;

@@ -177,7 +177,7 @@ TEST(Flatten, BoundsAreTheSmallestRectangleOfWhatIsThere) {
         for (uint32_t k = random.Below(4); k > 0; --k) {
             const auto x = static_cast<int32_t>(random.Below(11));
             const auto y = static_cast<int32_t>(random.Below(8));
-            pixels[static_cast<size_t>(y * 11 + x)].g = 1;
+            pixels[static_cast<size_t>(int64_t{y} * 11 + x)].g = 1;
             want = want.IsEmpty()
                        ? PixelRect{x, y, x + 1, y + 1}
                        : PixelRect{std::min(want.left, x), std::min(want.top, y),

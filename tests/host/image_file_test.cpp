@@ -48,11 +48,12 @@ TEST_F(ImageFile, TheDepthAskedForGoesBeforeTheDocuments) {
 }
 
 TEST_F(ImageFile, JpegLaysTranslucencyOverWhiteAndSaysSo) {
-    const std::vector<RGBA16> clear(256, RGBA16{0, 0, 0, kFullScale / 2});
+    constexpr int kHalf = kFullScale / 2;
+    const std::vector<RGBA16> clear(256, RGBA16{0, 0, 0, kHalf});
     EXPECT_THAT(SaveDocument(OneLayer(16, 16, 8, clear), Path("a.jpg"), {}),
                 ElementsAre(AllOf(HasSubstr("a.jpg"), HasSubstr("white"))));
     const RGBA16 gray = Flatten(LoadDocument(Path("a.jpg")))[0];
-    EXPECT_NEAR(gray.r, kFullScale / 2, 512);
+    EXPECT_NEAR(gray.r, kHalf, 512);
     EXPECT_EQ(gray.a, kFullScale);
 
     const std::vector<RGBA16> opaque(256, RGBA16{0, 0, 0, kFullScale});

@@ -20,9 +20,11 @@ namespace imgbasic::host {
 
 /// A folder of its own for every test, removed at the end.
 class FileTest : public testing::Test {
+  public:
+    ~FileTest() override { std::filesystem::remove_all(folder_); }
+
   protected:
     FileTest() { std::filesystem::create_directories(folder_); }
-    ~FileTest() override { std::filesystem::remove_all(folder_); }
 
     std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
 
