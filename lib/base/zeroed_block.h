@@ -1,13 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 namespace imgbasic {
 
 struct FreeBlock {
-    void operator()(uint8_t* block) const noexcept { std::free(block); }
+    uint64_t mappedSize = 0;  ///< of a block that is a mapping of its own, else 0
+
+    void operator()(uint8_t* block) const noexcept;
 };
 
 /// The one owner of a block of bytes that were zero when it was allocated, aligned for any

@@ -82,8 +82,9 @@ int ChannelMergeImageProcess::Phase(int phase, uint32_t* /*newWidth*/, uint32_t*
         return -2;
     }
     workImage_.reset();  // before the next one is allocated, not after
-    workImage_ = AllocatePixels(width, height);
-    return workImage_ == nullptr ? 0 : KeepMergedImage(merged);
+    const uint64_t bytes = uint64_t{PixelCount(width, height)} * sizeof(RGBA16);
+    workImage_ = AllocateZeroed(bytes);
+    return workImage_ == nullptr && bytes > 0 ? 0 : KeepMergedImage(merged);
 }
 
 bool ChannelMergeImageProcess::Execute(const ExecuteArgs& args) {
@@ -224,7 +225,7 @@ void ChannelMergeImageProcess::AddToWorkImage(const ExecuteArgs& args, Channel c
     }
     const bool attenuated = channel != Channel::A && args.layerOpacity != nullptr;
     const uint32_t percent = attenuated ? *args.layerOpacity : 100;
-    ForEachRun(workImage_.get(), args.src, width, ClippedTo(*this, *args.inRect),
+    ForEachRun(WorkPixels(), args.src, width, ClippedTo(*this, *args.inRect),
                [=](RGBA16* dst, const RGBA16* src, size_t count, Store) {
                    ReplaceChannel(dst, src, count, channel, percent);
                });
@@ -237,7 +238,7 @@ void ChannelMergeImageProcess::HandOver(const ExecuteArgs& args) const {
         *args.outRect = area;
     }
     if (args.dst != nullptr && workImage_ != nullptr) {
-        ForEachRun(args.dst, workImage_.get(), width, ClippedTo(*this, area),
+        ForEachRun(args.dst, WorkPixels(), width, ClippedTo(*this, area),
                    [](RGBA16* dst, const RGBA16* src, size_t count, Store) {
                        std::copy_n(src, count, dst);
                    });

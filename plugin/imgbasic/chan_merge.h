@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "lib/base/kv_array.h"
+#include "lib/base/zeroed_block.h"
 #include "lib/image/channels.h"
-#include "lib/image/pixel_block.h"
 #include "plugin/imgbasic/layer_data.h"
 #include "plugin/imgbasic/process.h"
 #include "plugin/imgbasic/texts.h"
@@ -38,6 +38,8 @@ class ChannelMergeImageProcess final : public ImageProcess {
     void AddToWorkImage(const ExecuteArgs& args, Channel channel);
     void HandOver(const ExecuteArgs& args) const;
 
+    RGBA16* WorkPixels() const { return reinterpret_cast<RGBA16*>(workImage_.get()); }
+
     /// Place in `layers_` of each channel's layer; -1 for none, or none any more.
     using Slots = std::array<int32_t, 4>;
     static constexpr Slots kNoSlots{-1, -1, -1, -1};
@@ -45,8 +47,8 @@ class ChannelMergeImageProcess final : public ImageProcess {
     KVArray<LayerData> layers_;  ///< in the order in which the host showed them
     int32_t current_ = -1;       ///< place in `layers_` of the host's current layer
     Slots slots_ = kNoSlots;
-    PixelRect union_;       ///< of the four layers' rectangles
-    PixelBlock workImage_;  ///< the result in the making, the size of the image
+    PixelRect union_;        ///< of the four layers' rectangles
+    ZeroedBlock workImage_;  ///< the pixels of the result in the making, the size of the image
 };
 
 }  // namespace imgbasic

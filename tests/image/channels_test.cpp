@@ -1,8 +1,5 @@
 #include "lib/image/channels.h"
 
-#include <climits>
-
-#include "lib/image/pixel_block.h"
 #include "tests/image/kernel_test.h"
 
 namespace imgbasic {
@@ -15,12 +12,6 @@ TEST(Channels, TruncatePercentagesAndWrapHostileOnes) {
     for (uint32_t value = 0; value <= 0xFFFF; ++value) {
         ASSERT_EQ(PercentOf(static_cast<uint16_t>(value), 100), value);
     }
-}
-
-TEST(PixelBlock, IsZeroedOrNull) {
-    const PixelBlock block = AllocatePixels(1000, 700);
-    EXPECT_EQ(std::count(block.get(), block.get() + 700'000, RGBA16{}), 700'000);
-    EXPECT_EQ(AllocatePixels(INT_MAX, INT_MAX), nullptr);
 }
 
 class ChannelForms : public KernelTest {};
