@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -45,12 +43,13 @@ class BitWriter {
     size_t count_ = 0;
 };
 
-/// A pixel stream: header, `fields` that the flags announce, data.
-inline Bytes PixelStream(size_t size, std::span<const uint8_t> data, uint32_t flags = 0,
-                         const std::vector<uint32_t>& fields = {}) {
+/// A pixel stream: header, `fields` that the flags announce, data. The decoder does not look at
+/// the reserved header field.
+inline Bytes PixelStream(size_t size, const Bytes& data, uint32_t flags = 0,
+                         const std::vector<uint32_t>& fields = {}, uint32_t reserved = 0xDEADBEEF) {
     BitWriter writer;
     writer.Number(0xFA41, 16).Number(flags, 16).Number(static_cast<uint32_t>(size), 32);
-    writer.Number(0xDEADBEEF, 32);  // reserved, not looked at
+    writer.Number(reserved, 32);
     for (const uint32_t field : fields) {
         writer.Number(field, 32);
     }
@@ -60,7 +59,7 @@ inline Bytes PixelStream(size_t size, std::span<const uint8_t> data, uint32_t fl
 }
 
 /// `bytes`, fewer than 64 KiB, as one stored block.
-inline Bytes StoredBlock(std::span<const uint8_t> bytes) {
+inline Bytes StoredBlock(const Bytes& bytes) {
     const auto length = static_cast<uint32_t>(bytes.size());
     Bytes data = BitWriter().Number(1, 3).AlignToByte().Number(length, 16).Number(~length, 16);
     data.insert(data.end(), bytes.begin(), bytes.end());

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <tuple>
 
 #include "lib/base/log.h"
 #include "tests/image/inflate_streams.h"
@@ -10,24 +12,22 @@
 namespace imgbasic {
 namespace {
 
-constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
-
 TEST(KVBitmap, ImpossibleSizesAndLackOfMemoryGiveNoPixels) {
+    constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
+    const auto expectNoPixels = [](int32_t width, int32_t height, uint32_t paletteCount) {
+        const KVBitmap bitmap(width, height, paletteCount);
+        EXPECT_TRUE(bitmap.Words().empty() && bitmap.Palette().empty() &&
+                    bitmap.IndexRow(0).empty() && CopyBitmap(bitmap) == nullptr)
+            << width << " x " << height << ", " << paletteCount;
+    };
+    expectNoPixels(0, 1, 0);
+    expectNoPixels(1, 0, 4);
+    expectNoPixels(-1, -1, 0);
+    expectNoPixels(1, 1, 257);
+    expectNoPixels(kHuge, kHuge, 0);
     const ScopedBlockLimit noMemory(0);
-    const struct {
-        int32_t width;
-        int32_t height;
-        uint32_t paletteCount;
-    } cases[] = {{0, 1, 0},   {1, 0, 0}, {-1, 1, 4},        {1, -1, 0},
-                 {1, 1, 257}, {1, 1, 0}, {kHuge, kHuge, 0}, {kHuge, kHuge, 256}};
-    for (const auto& wrong : cases) {
-        KVBitmap bitmap(wrong.width, wrong.height, wrong.paletteCount);
-        EXPECT_FALSE(bitmap.EnsurePixels());
-        EXPECT_TRUE(bitmap.Words().empty());
-        EXPECT_TRUE(bitmap.Palette().empty());
-        EXPECT_TRUE(bitmap.IndexRow(0).empty());
-        EXPECT_EQ(CopyBitmap(bitmap), nullptr);
-    }
+    expectNoPixels(1, 1, 0);
+    expectNoPixels(kHuge, kHuge, 256);
 }
 
 // 3 x 2 pixels, 2 colours; the index 9 has none.
@@ -46,42 +46,27 @@ std::vector<uint32_t> Expanded(const KVBitmap& source) {
                : std::vector<uint32_t>{};
 }
 
-TEST(KVBitmap, IndexedRowsArePaddedBehindThePaletteArea) {
-    KVBitmap bitmap(3, 2, 2);
-    const auto* block = reinterpret_cast<const uint8_t*>(bitmap.Palette().data());
-    EXPECT_EQ(bitmap.IndexRow(0).data(), block + 1024);
-    EXPECT_EQ(bitmap.IndexRow(1).data(), block + 1028);
-    EXPECT_EQ(bitmap.IndexRow(1).size(), 3U);
-    EXPECT_TRUE(bitmap.IndexRow(2).empty());
-    EXPECT_TRUE(bitmap.IndexRow(-1).empty());
-    EXPECT_TRUE(bitmap.Words().empty());
-    EXPECT_EQ(bitmap.Palette().size(), 2U);
-}
-
 TEST(KVBitmap, CopiesAreDeepAndExpandToTheSamePixels) {
     KVBitmap indexed(3, 2, 2);
     Fill(indexed);
+    EXPECT_TRUE(indexed.IndexRow(2).empty() && indexed.IndexRow(-1).empty());
     const auto copy = CopyBitmap(indexed);
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(Expanded(*copy), kExpanded);
     KVBitmap words(3, 2);
     ASSERT_TRUE(ExpandIndexed(words, indexed));
     const auto wordsCopy = CopyBitmap(words);
-    ASSERT_NE(wordsCopy, nullptr);
+    ASSERT_TRUE(copy != nullptr && wordsCopy != nullptr);
     std::ranges::fill(words.Words(), 1U);
-    EXPECT_EQ(Expanded(*wordsCopy), kExpanded);
     std::ranges::fill(indexed.IndexRow(0), uint8_t{1});
-    EXPECT_EQ(copy->IndexRow(0)[0], 0);
+    EXPECT_EQ(Expanded(*copy), kExpanded);
+    EXPECT_EQ(Expanded(*wordsCopy), kExpanded);
 }
 
 TEST(KVBitmap, CopyAndExpandRefuseWhatDoesNotFit) {
     KVBitmap source(3, 2, 2);
-    KVBitmap wider(4, 2);
-    KVBitmap taller(3, 3);
-    KVBitmap indexed(3, 2, 2);
-    EXPECT_FALSE(ExpandIndexed(wider, source));
-    EXPECT_FALSE(ExpandIndexed(taller, source));
-    EXPECT_FALSE(ExpandIndexed(indexed, source));
+    for (const auto& [width, height, paletteCount] : {std::tuple{4, 2, 0}, {3, 3, 0}, {3, 2, 2}}) {
+        KVBitmap other(width, height, static_cast<uint32_t>(paletteCount));
+        EXPECT_FALSE(ExpandIndexed(other, source)) << width << " x " << height;
+    }
     {
         const ScopedBlockLimit noMemory(0);
         EXPECT_EQ(CopyBitmap(source), nullptr);
@@ -90,28 +75,25 @@ TEST(KVBitmap, CopyAndExpandRefuseWhatDoesNotFit) {
     EXPECT_EQ(CopyBitmap(source), nullptr);
 }
 
-// The packed layout of Fill's bitmap, and the layout in memory.
-Bytes Layout(bool padded, size_t surplus) {
-    Bytes bytes{0x33, 0x22, 0x11, 0xFF, 0x66, 0x55, 0x44, 0x80};
-    bytes.resize(padded ? 1024 : 8);
-    for (const uint8_t index : Bytes{0, 1, 0, 255, 1, 9, 1, 255}) {
-        if (padded || index != 255) {
-            bytes.push_back(index);
-        }
-    }
-    bytes.resize(bytes.size() + surplus);
-    return bytes;
-}
-
 TEST(KVBitmap, InflatesBothLayoutsOfAnIndexedBitmap) {
-    // A surplus makes any layout the packed one; up to 64 KiB above the padded one are believed.
-    for (const Bytes& layout : {Layout(true, 0), Layout(false, 0), Layout(false, 3000)}) {
-        const KVBitmap bitmap(3, 2, 2, PixelStream(layout.size(), StoredBlock(layout)));
-        EXPECT_EQ(Expanded(bitmap), kExpanded) << layout.size();
+    const auto stream = [](Bytes layout, size_t surplus) {
+        layout.resize(layout.size() + surplus);
+        return PixelStream(layout.size(), StoredBlock(layout));
+    };
+    const Bytes packed{0x33, 0x22, 0x11, 0xFF, 0x66, 0x55, 0x44, 0x80, 0, 1, 0, 1, 9, 1};
+    Bytes padded(packed.begin(), packed.begin() + 8);
+    padded.resize(1024);
+    padded.insert(padded.end(), {0, 1, 0, 77, 1, 9, 1, 77});
+    // A surplus does not make the layout another one; only the padded one's own size does.
+    for (const Bytes& pixels : {stream(padded, 0), stream(packed, 0), stream(packed, 3000)}) {
+        const KVBitmap bitmap(3, 2, 2, pixels);
+        EXPECT_EQ(Expanded(bitmap), kExpanded) << pixels.size();
+        EXPECT_EQ(
+            bitmap.IndexRow(0).data() - reinterpret_cast<const uint8_t*>(&bitmap.Palette()[0]),
+            1024);
         EXPECT_EQ(bitmap.IndexRow(1).data() - bitmap.IndexRow(0).data(), 4);
     }
-    const Bytes packed = Layout(false, 0);
-    const KVBitmap bitmap(3, 2, 2, PixelStream(packed.size(), StoredBlock(packed)));
+    const KVBitmap bitmap(3, 2, 2, stream(packed, 0));
     {
         const ScopedBlockLimit noMemoryToLayOutAnew(1);
         ASSERT_TRUE(bitmap.EnsurePixels());
@@ -121,24 +103,17 @@ TEST(KVBitmap, InflatesBothLayoutsOfAnIndexedBitmap) {
 }
 
 TEST(KVBitmap, BelievesSizesOnlyAsFarAsItsOwnAllow) {
-    const struct {
-        uint32_t paletteCount;
-        size_t least;
-        size_t most;
-    } layouts[] = {{0, 24, 24 + 65536}, {2, 14, 1032 + 65536}};
-    Bytes pieces;  // data for any of the sizes: two stored blocks
-    for (const uint32_t last : {0U, 1U}) {
-        BitWriter block;
-        block.Number(last, 3).AlignToByte().Number(40000, 16).Number(~40000U, 16);
-        Bytes bytes = block;
-        bytes.resize(bytes.size() + 40000, 0);
-        pieces.insert(pieces.end(), bytes.begin(), bytes.end());
+    // Enough for any of the sizes. Fixed codes: literal 0 00110000, length 258 11000101,
+    // distance 1 00000.
+    BitWriter zeros;
+    zeros.Number(3, 3).Code("00110000");
+    for (int i = 0; i < 260; ++i) {
+        zeros.Code("1100010100000");
     }
-    for (const auto& [paletteCount, least, most] : layouts) {
-        for (const size_t size :
-             {least - 1, least, most, most + 1, size_t{0}, size_t{0xFFFFFFFF}}) {
-            const KVBitmap bitmap(3, 2, paletteCount, PixelStream(size, pieces));
-            const ScopedBlockLimit two(size < least || size > most ? 0 : 2);
+    for (const auto& [paletteCount, least, most] :
+         {std::tuple{0U, 24U, 24U + 65536}, {2U, 14U, 1032U + 65536}}) {
+        for (const uint32_t size : {0U, least - 1, least, most, most + 1, UINT32_MAX}) {
+            const KVBitmap bitmap(3, 2, paletteCount, PixelStream(size, zeros));
             EXPECT_EQ(bitmap.EnsurePixels(), size >= least && size <= most) << size;
         }
     }
