@@ -7,6 +7,7 @@
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
 #include "host/cli/report.h"
+#include "host/cli/settings_command.h"
 #include "host/cli/show_commands.h"
 
 namespace imgbasic::host {
@@ -77,6 +78,20 @@ int Run(int argc, char** argv) {
     info->add_option("FILE", file, "An image")->required()->type_name("");
     info->footer("");
     info->callback([&] { ShowFile(file); });
+    std::string filter;
+    auto* settings = app.add_subcommand("settings", "Show the options that are stored for you");
+    const auto* reset =
+        settings->add_option("--reset", filter, "Remove what is stored, of one filter or of all")
+            ->type_name("[FILTER]")
+            ->expected(0, 1);
+    settings->footer("");
+    settings->callback([&] {
+        if (reset->count() > 0) {
+            ResetSettings(filter);
+        } else {
+            ShowSettings();
+        }
+    });
 
     try {
         app.parse(argc, argv);
