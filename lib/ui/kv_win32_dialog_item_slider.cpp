@@ -31,12 +31,10 @@ bool KVWin32DialogItemSlider::OnInitDialog(KVWin32DialogWindow* dialog) {
             editId_);
         return false;
     }
-    if (!spin_.OnInitDialog(dialog)) {
-        return false;
-    }
-    SetRange(minimum_, maximum_, false);
+    // Ahead of the field, whose first text is then no change.
+    SetTrackbarRange(false);
     SendMessageW(Control(), TBM_SETPOS, TRUE, spin_.Value());
-    return true;
+    return spin_.OnInitDialog(dialog);
 }
 
 bool KVWin32DialogItemSlider::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -48,17 +46,26 @@ bool KVWin32DialogItemSlider::HandleMessage(UINT message, WPARAM wParam, LPARAM 
         }
         return true;
     }
+    const int32_t before = spin_.Value();
     if (!spin_.HandleMessage(message, wParam, lParam)) {
         return false;
     }
-    Follow(kChangedByUser);
+    if (spin_.Value() != before) {
+        Follow(kChangedByUser);
+    }
     return true;
 }
 
 void KVWin32DialogItemSlider::SetRange(int32_t minimum, int32_t maximum, bool redraw) {
+    minimum_ = minimum;
+    maximum_ = maximum;
+    SetTrackbarRange(redraw);
     spin_.SetRange(minimum, maximum, redraw);
-    SendMessageW(Control(), TBM_SETRANGEMIN, FALSE, minimum);
-    SendMessageW(Control(), TBM_SETRANGEMAX, redraw, maximum);
+}
+
+void KVWin32DialogItemSlider::SetTrackbarRange(bool redraw) {
+    SendMessageW(Control(), TBM_SETRANGEMIN, FALSE, minimum_);
+    SendMessageW(Control(), TBM_SETRANGEMAX, redraw, maximum_);
 }
 
 int32_t KVWin32DialogItemSlider::Value() const {

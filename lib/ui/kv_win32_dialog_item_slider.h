@@ -20,6 +20,7 @@ class KVWin32DialogItemSlider final : public KVWin32DialogItem {
     void SetValue(int32_t value, bool updateText, bool force) override;
 
   private:
+    void SetTrackbarRange(bool redraw);
     /// Brings the trackbar to the number beside it.
     void Follow(ItemChangeFlag flag);
 

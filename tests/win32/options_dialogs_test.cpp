@@ -1,0 +1,565 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+#include "plugin/imgbasic/entry.h"
+#include "plugin/imgbasic/settings_store.h"
+#include "tests/plugin/private_store.h"
+#include "tests/win32/dialog_hand.h"
+
+namespace imgbasic {
+namespace {
+
+using Registry = std::map<std::string, uint32_t>;
+
+/// Everything under the filter's key; a value of another type than REG_DWORD fails the test.
+Registry Stored(const std::string& filter) {
+    Registry stored;
+    const std::string path = "Software\\orvex\\brelo2\\plugin\\imgbasic\\" + filter;
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+        return stored;
+    }
+    char name[64];
+    DWORD number = 0;
+    for (DWORD i = 0;; ++i) {
+        DWORD length = sizeof name;
+        DWORD size = sizeof number;
+        DWORD type = 0;
+        if (RegEnumValueA(key, i, name, &length, nullptr, &type, reinterpret_cast<BYTE*>(&number),
+                          &size) != ERROR_SUCCESS) {
+            break;
+        }
+        EXPECT_EQ(type, static_cast<DWORD>(REG_DWORD)) << name;
+        EXPECT_EQ(size, sizeof number) << name;
+        stored[name] = number;
+    }
+    RegCloseKey(key);
+    return stored;
+}
+
+void Store(const char* filter, const Registry& registry) {
+    std::vector<StoredNumber> values;
+    for (const auto& [name, number] : registry) {
+        values.push_back({name.c_str(), number});
+    }
+    ASSERT_TRUE(WriteStore(filter, values));
+}
+
+/// Opens a filter's dialog over an image of 200 x 100 as a host does; true when it is confirmed.
+bool Open(const char* filter, ApplyCallback apply, HWND owner = nullptr) {
+    ImageProcess* object =
+        ImagePluginPrepare2(filter, 200, 100, 0, 0, -1, 0, 0, 0, owner, 0, nullptr);
+    const int result = ImagePluginDialog(filter, object, apply);
+    EXPECT_TRUE(result == 1 || result == -1);
+    ImagePluginDispose(filter, object);
+    return result == 1;
+}
+
+/// One dialog with what it shows and stores.
+struct DialogCase {
+    const char* filter;
+    const wchar_t* caption;
+    Shown defaults;
+    Registry good;    ///< stored numbers, none of them a default
+    Shown goodShown;  ///< what differs from `defaults` with them
+    Registry bad;     ///< stored numbers that all count as defaults
+    Script change;    ///< enters `good` by hand
+};
+
+constexpr wchar_t kMerged[] = L"結合した画像";
+constexpr wchar_t kAllLayers[] = L"全レイヤー";
+constexpr wchar_t kCurrent[] = L"カレントレイヤー";
+
+const DialogCase kDialogs[] = {
+    {"nega",
+     L"階調の反転",
+     {{1002, kMerged}, {1303, L"プレビュー"}, {1, L"実行"}, {2, L"中止"}},
+     {{"TargetType", 2}},
+     {{1002, kCurrent}},
+     {{"TargetType", 3}},
+     [](const DialogHand& hand) { hand.Pick(1002, 2); }},
+    {"gray",
+     L"グレースケール",
+     {{1003, L"明度平均"},
+      {1004, L"白"},
+      {1002, kMerged},
+      {1303, L"プレビュー"},
+      {1, L"実行"},
+      {2, L"中止"}},
+     {{"CalcMode", 9}, {"ColorMode", 8}, {"TargetType", 1}},
+     {{1003, L"色差・赤(Cr)"}, {1004, L"背景色"}, {1002, kAllLayers}},
+     {{"CalcMode", 10}, {"ColorMode", 0xFFFFFFFF}, {"TargetType", 3}},
+     [](const DialogHand& hand) {
+         hand.Pick(1003, 9);
+         hand.Pick(1004, 8);
+         hand.Pick(1002, 1);
+     }},
+    {"mono",
+     L"2階調化",
+     {{1300, L"128"},
+      {1301, L"128"},
+      {1302, L"128"},
+      {1002, kMerged},
+      {1303, L"プレビュー"},
+      {1, L"実行"},
+      {2, L"中止"}},
+     {{"Threshold", 255}, {"TargetType", 2}},
+     {{1300, L"255"}, {1301, L"255"}, {1302, L"255"}, {1002, kCurrent}},
+     {{"Threshold", 256}, {"TargetType", 7}},
+     [](const DialogHand& hand) {
+         hand.Slide(1300, 255);
+         hand.Pick(1002, 2);
+     }},
+    {"col_reduce",
+     L"減色",
+     {{1005, L"16"},
+      {1004, L"16"},
+      {1003, L"16"},
+      {1007, L"0"},
+      {1012, L"誤差拡散(大)"},
+      {1002, kMerged},
+      {1006, L"0"},
+      {1303, L"プレビュー"},
+      {1, L"実行"},
+      {2, L"中止"}},
+     {{"ReduceColor", 256},
+      {"DitherType", 1},
+      {"TargetType", 1},
+      {"SharePalette", 1},
+      {"GraduateReduce", 1}},
+     {{1005, L"256"},
+      {1004, L"256"},
+      {1003, L"256"},
+      {1007, L"1"},
+      {1012, L"パターン"},
+      {1002, kAllLayers},
+      {1006, L"1"}},
+     {{"ReduceColor", 0}, {"DitherType", 7}, {"SharePalette", 2}, {"GraduateReduce", 3}},
+     [](const DialogHand& hand) {
+         hand.Type(1004, L"256");
+         hand.Click(1007);
+         hand.Pick(1012, 1);
+         hand.Pick(1002, 1);
+         hand.Click(1006);
+     }},
+    {"scaling",
+     L"拡大縮小",
+     {{1317, L"1"},
+      {1318, L"0"},
+      {1320, L"200"},
+      {1322, L"200"},
+      {1321, L"100"},
+      {1323, L"100"},
+      {1273, L"(100)"},
+      {1276, L"(100)"},
+      {1277, L"(100)"},
+      {1279, L"(100)"},
+      {1303, L"1"},
+      {1333, L"バイリニア"},
+      {1332, L"クリップ"},
+      {1393, L"(1)"},
+      {1231, L"1"},
+      {1, L"変更"},
+      {2, L"中止"}},
+     {{"RatioSize", 1},
+      {"RatioWidth", 300},
+      {"RatioHeight", 50},
+      {"FixRatio", 0},
+      {"InterType", 2},
+      {"BoundaryType", 2},
+      {"BoundAlpha", 0},
+      {"ChangeBrush", 0}},
+     {{1317, L"0"},
+      {1318, L"1"},
+      {1320, L"(200)"},
+      {1322, L"(200)"},
+      {1321, L"(100)"},
+      {1323, L"(100)"},
+      {1273, L"300"},
+      {1276, L"300"},
+      {1277, L"50"},
+      {1279, L"50"},
+      {1303, L"0"},
+      {1332, L"リピート"},
+      {1393, L"0"},
+      {1231, L"0"}},
+     {{"RatioSize", 2},
+      {"RatioWidth", 0},
+      {"RatioHeight", 819201},
+      {"FixRatio", 2},
+      {"InterType", 3},
+      {"BoundaryType", 3},
+      {"BoundAlpha", 2},
+      {"ChangeBrush", 2}},
+     [](const DialogHand& hand) {
+         hand.Click(1318);
+         hand.Click(1303);
+         hand.Type(1273, L"300");
+         hand.Type(1277, L"50");
+         hand.Pick(1332, 2);
+         hand.Click(1393);
+         hand.Click(1231);
+     }},
+};
+
+class OptionsDialogs : public testing::TestWithParam<const DialogCase*> {
+  protected:
+    void SetUp() override { ClearPrivateStore(); }
+
+    const DialogCase& Case() const { return *GetParam(); }
+
+    bool OpenWith(ApplyCallback apply, const Script& script) const {
+        return WithHand(
+            Case().caption, [&] { return Open(Case().filter, apply); }, script);
+    }
+
+    Shown Expected(const Shown& differences) const {
+        Shown expected = Case().defaults;
+        for (const auto& [id, shown] : differences) {
+            expected[id] = shown;
+        }
+        return expected;
+    }
+};
+
+void Cancel(const DialogHand& hand) {
+    hand.Click(IDCANCEL);
+}
+
+TEST_P(OptionsDialogs, ShowWhatIsStoredAsFarAsItIsGood) {
+    const auto shows = [&](const Shown& expected) {
+        EXPECT_FALSE(OpenWith(ScriptedHost::Callback(), [&](const DialogHand& hand) {
+            EXPECT_EQ(hand.Look(), expected);
+            hand.Click(IDCANCEL);
+        }));
+    };
+    shows(Case().defaults);
+    Store(Case().filter, Case().good);
+    shows(Expected(Case().goodShown));
+    EXPECT_EQ(Stored(Case().filter), Case().good) << "cancelling writes nothing";
+    Store(Case().filter, Case().bad);
+    ClearPrivateStore();
+    Store(Case().filter, Case().bad);
+    shows(Case().defaults);
+}
+
+TEST_P(OptionsDialogs, StoreWhatIsExecuted) {
+    EXPECT_TRUE(OpenWith(ScriptedHost::Callback(), [&](const DialogHand& hand) {
+        Case().change(hand);
+        EXPECT_EQ(hand.Look(), Expected(Case().goodShown));
+        hand.Click(IDOK);
+    }));
+    EXPECT_EQ(ScriptedHost::calls, 1);
+    Registry expected = Case().good;
+    EXPECT_EQ(Stored(Case().filter), expected);
+}
+
+TEST_P(OptionsDialogs, PreviewEveryChangeOnce) {
+    if (Case().filter == std::string("scaling")) {
+        GTEST_SKIP() << "without a preview";
+    }
+    EXPECT_TRUE(OpenWith(ScriptedHost::Callback(), [&](const DialogHand& hand) {
+        hand.Click(1303);
+        hand.Click(1303);
+        EXPECT_EQ(ScriptedHost::calls, 1);
+        Case().change(hand);
+        hand.Click(1303);
+        EXPECT_EQ(ScriptedHost::calls, 2);
+        hand.Click(IDOK);
+    }));
+    EXPECT_EQ(ScriptedHost::calls, 2);
+}
+
+TEST_P(OptionsDialogs, StoreNothingWithoutAHostOrWhenItRefuses) {
+    EXPECT_TRUE(OpenWith(nullptr, [&](const DialogHand& hand) {
+        if (Case().defaults.contains(1300) || !Case().defaults.contains(1317)) {
+            EXPECT_EQ(hand.Look(1303), L"(プレビュー)");
+            EXPECT_EQ(hand.Look(1002), L"(結合した画像)");
+        }
+        hand.Click(IDOK);
+    }));
+    EXPECT_EQ(Stored(Case().filter), Registry());
+    EXPECT_FALSE(OpenWith(ScriptedHost::Callback([] { return false; }),
+                          [](const DialogHand& hand) { hand.Click(IDOK); }));
+    EXPECT_EQ(ScriptedHost::calls, 1);
+    EXPECT_EQ(Stored(Case().filter), Registry());
+}
+
+TEST_P(OptionsDialogs, LeaveNothingBehind) {
+    const auto counts = [] {
+        const HANDLE process = GetCurrentProcess();
+        PROCESS_HEAP_ENTRY entry{};
+        int blocks = 0;
+        for (HeapLock(GetProcessHeap()); HeapWalk(GetProcessHeap(), &entry);) {
+            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+        }
+        HeapUnlock(GetProcessHeap());
+        int windows = 0;
+        EnumThreadWindows(
+            GetCurrentThreadId(),
+            [](HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count), TRUE; },
+            reinterpret_cast<LPARAM>(&windows));
+        return std::array{static_cast<int>(GetGuiResources(process, GR_GDIOBJECTS)),
+                          static_cast<int>(GetGuiResources(process, GR_USEROBJECTS)), windows,
+                          blocks / 100};
+    };
+    const ApplyCallback apply = ScriptedHost::Callback();
+    EXPECT_FALSE(OpenWith(apply, Cancel));
+    const auto before = counts();
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_FALSE(OpenWith(apply, Cancel));
+    }
+    EXPECT_EQ(counts(), before);
+}
+
+std::vector<const DialogCase*> AllDialogs() {
+    std::vector<const DialogCase*> all;
+    for (const DialogCase& dialog : kDialogs) {
+        all.push_back(&dialog);
+    }
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, OptionsDialogs, testing::ValuesIn(AllDialogs()),
+                         [](const auto& dialog) { return dialog.param->filter; });
+
+class OneDialog : public testing::Test {
+  protected:
+    void SetUp() override { ClearPrivateStore(); }
+};
+
+bool OpenMono(ApplyCallback apply, const Script& script, HWND owner = nullptr) {
+    return WithHand(
+        L"2階調化", [&] { return Open("mono", apply, owner); }, script);
+}
+
+bool OpenScaling(const Script& script) {
+    return WithHand(
+        L"拡大縮小", [] { return Open("scaling", ScriptedHost::Callback()); }, script);
+}
+
+struct TypingCase {
+    const wchar_t* text;
+    const wchar_t* value;  ///< while the field has the focus
+    const wchar_t* left;   ///< the text once it is left
+};
+
+TEST_F(OneDialog, ReadsANumberFieldAsItIsTyped) {
+    constexpr TypingCase kCases[] = {
+        {L"12,5", L"125", L"12,5"},
+        {L"999999", L"255", L"255"},
+        {L"-3", L"1", L"1"},
+        {L"", L"128", L"1"},
+        {L"abc", L"1", L"1"},
+        {L"１２", L"1", L"1"},
+        {L"1234567890123456", L"255", L"255"},
+        {L"0007", L"7", L"0007"},
+    };
+    for (const TypingCase& c : kCases) {
+        OpenMono(ScriptedHost::Callback(), [&](const DialogHand& hand) {
+            hand.Type(1301, c.text);
+            EXPECT_EQ(hand.Look(1301), c.text) << "the text is left alone while it is typed";
+            EXPECT_EQ(hand.Look(1300), c.value);
+            hand.Focus(1002);
+            EXPECT_EQ(hand.Look(1301), c.left);
+            hand.Click(IDCANCEL);
+        });
+    }
+}
+
+TEST_F(OneDialog, ListensToTheKeyboard) {
+    EXPECT_TRUE(OpenMono(ScriptedHost::Callback(), [](const DialogHand& hand) {
+        for (const int id : {1300, 1301, 1002, 1303, 1, 2, 1300}) {
+            EXPECT_EQ(hand.Focused(), id);
+            hand.Key(VK_TAB);
+        }
+        EXPECT_EQ(hand.Focused(), 1301);
+        hand.Key(VK_UP);
+        EXPECT_EQ(hand.Look(1300), L"129");
+        hand.Focus(1300);
+        hand.Key(VK_LEFT);
+        hand.Key(VK_LEFT);
+        EXPECT_EQ(hand.Look(1301), L"127");
+        hand.Focus(1002);
+        hand.Key(VK_DOWN);
+        EXPECT_EQ(hand.Look(1002), kAllLayers);
+        hand.Key(VK_RETURN);
+    }));
+    EXPECT_EQ(Stored("mono"), (Registry{{"Threshold", 127}, {"TargetType", 1}}));
+    OpenScaling([](const DialogHand& hand) {
+        EXPECT_EQ(hand.Focused(), 1317);
+        hand.Key(VK_DOWN);
+        EXPECT_EQ(hand.Look(1318), L"1");
+        EXPECT_EQ(hand.Focused(), 1318);
+        EXPECT_EQ(hand.Look(1273), L"100");
+        hand.Click(IDCANCEL);
+    });
+}
+
+TEST_F(OneDialog, CancelsInEveryWay) {
+    const Script ways[] = {
+        Cancel,
+        [](const DialogHand& hand) { hand.Key(VK_ESCAPE); },
+        [](const DialogHand& hand) { PostMessageW(hand.Frame(), WM_SYSCOMMAND, SC_CLOSE, 0); },
+        [](const DialogHand& hand) { hand.Send(hand.Frame(), WM_CLOSE, 0, 0); },
+        [](const DialogHand& hand) {
+            PostMessageW(hand.Control(hand.Focused()), WM_SYSKEYDOWN, VK_F4, 1 << 29 | 1);
+        },
+    };
+    for (const Script& way : ways) {
+        EXPECT_FALSE(OpenMono(ScriptedHost::Callback(), way));
+    }
+    EXPECT_EQ(Stored("mono"), Registry());
+}
+
+TEST_F(OneDialog, ScalingKeepsTheProportion) {
+    OpenScaling([](const DialogHand& hand) {
+        hand.Type(1320, L"300");
+        EXPECT_EQ(hand.Look(1321), L"150");
+        hand.Type(1321, L"10");
+        EXPECT_EQ(hand.Look(1320), L"20") << "at the proportion of the beginning";
+        hand.Type(1321, L"8000");
+        EXPECT_EQ(hand.Look(1320), L"8192");
+        hand.Click(1303);
+        hand.Type(1320, L"7");
+        EXPECT_EQ(hand.Look(1321), L"8000") << "no longer linked";
+        hand.Click(IDOK);
+    });
+    EXPECT_EQ(Stored("scaling").at("RatioWidth"), 100U);
+    Store("scaling", {{"RatioSize", 1}, {"RatioHeight", 50}, {"RatioWidth", 100}, {"FixRatio", 1}});
+    OpenScaling([](const DialogHand& hand) {
+        hand.Type(1273, L"300");
+        EXPECT_EQ(hand.Look(1277), L"150");
+        hand.Click(IDCANCEL);
+    });
+}
+
+TEST_F(OneDialog, ScalingEnablesWhatCounts) {
+    OpenScaling([](const DialogHand& hand) {
+        const auto enabled = [&](int id) { return IsWindowEnabled(hand.Control(id)) != 0; };
+        for (int inter = 0; inter < 3; ++inter) {
+            for (int boundary = 0; boundary < 3; ++boundary) {
+                hand.Pick(1333, inter);
+                hand.Pick(1332, boundary);
+                EXPECT_EQ(enabled(1332), inter == 2);
+                EXPECT_EQ(enabled(1393), inter == 2 && boundary != 0);
+            }
+        }
+        for (const int mode : {1318, 1317}) {
+            hand.Click(mode);
+            for (const int id : {1320, 1322, 1321, 1323}) {
+                EXPECT_EQ(enabled(id), mode == 1317) << id;
+            }
+            for (const int id : {1273, 1276, 1277, 1279}) {
+                EXPECT_EQ(enabled(id), mode == 1318) << id;
+            }
+        }
+        hand.Click(IDCANCEL);
+    });
+}
+
+/// Stands for the host's window.
+class Owner {
+  public:
+    Owner()
+        : window_(CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
+                                  300, 200, nullptr, nullptr, nullptr, nullptr)) {}
+    ~Owner() { DestroyWindow(window_); }
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+    HWND Get() const { return window_; }
+    bool Enabled() const { return IsWindowEnabled(window_) != 0; }
+
+  private:
+    HWND window_;
+};
+
+TEST_F(OneDialog, DisablesItsOwnerForAsLongAsItIsOpen) {
+    const Owner owner;
+    for (const bool before : {true, false}) {
+        EnableWindow(owner.Get(), before);
+        OpenMono(
+            ScriptedHost::Callback(),
+            [&](const DialogHand& hand) {
+                EXPECT_FALSE(owner.Enabled());
+                EXPECT_EQ(GetWindow(hand.Frame(), GW_OWNER), owner.Get());
+                hand.Click(IDCANCEL);
+            },
+            owner.Get());
+        EXPECT_EQ(owner.Enabled(), before);
+    }
+    HWND gone = nullptr;
+    {
+        const Owner shortLived;
+        gone = shortLived.Get();
+    }
+    EXPECT_FALSE(OpenMono(ScriptedHost::Callback(), Cancel, gone));
+}
+
+TEST_F(OneDialog, EndsWithItsOwner) {
+    const Owner owner;
+    const ApplyCallback apply = ScriptedHost::Callback([&] { return DestroyWindow(owner.Get()); });
+    EXPECT_FALSE(OpenMono(
+        apply, [](const DialogHand& hand) { hand.Click(1303); }, owner.Get()));
+    const Owner another;
+    EXPECT_FALSE(OpenMono(
+        apply, [&](const DialogHand& hand) { hand.Send(another.Get(), WM_CLOSE, 0, 0); },
+        another.Get()));
+}
+
+TEST_F(OneDialog, DoesNotNest) {
+    HWND frame = nullptr;
+    const ApplyCallback apply = ScriptedHost::Callback([&] {
+        // Whatever is pressed while the host works, and whatever it opens, comes to nothing.
+        const HWND dialog = FindWindowExW(frame, nullptr, L"#32770", nullptr);
+        for (const int id : {1303, 1, 2}) {
+            SendMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
+        }
+        SendMessageW(frame, WM_CLOSE, 0, 0);
+        EXPECT_FALSE(Open("mono", [] { return true; }));
+        EXPECT_FALSE(Open("scaling", nullptr));
+        return true;
+    });
+    EXPECT_TRUE(OpenMono(apply, [&](const DialogHand& hand) {
+        frame = hand.Frame();
+        hand.Click(1303);
+        EXPECT_EQ(ScriptedHost::calls, 1);
+        EXPECT_TRUE(IsWindow(frame));
+        hand.Click(IDOK);
+    }));
+    EXPECT_EQ(ScriptedHost::calls, 1);
+}
+
+TEST_F(OneDialog, IsCancelledWhenTheHostThrowsOrTheProgramEnds) {
+    EXPECT_FALSE(OpenMono(ScriptedHost::Callback([]() -> bool { throw 1; }),
+                          [](const DialogHand& hand) { hand.Click(IDOK); }));
+    EXPECT_FALSE(OpenMono(ScriptedHost::Callback([] {
+                              PostQuitMessage(7);
+                              return true;
+                          }),
+                          [](const DialogHand& hand) { hand.Click(1303); }));
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0)) {
+        // The caller's loop ends as well.
+    }
+    EXPECT_EQ(message.wParam, 7U);
+}
+
+TEST_F(OneDialog, OfABatchRunReportsACancelledOne) {
+    int cancelled = 0;
+    const auto open = [&] {
+        ImageProcess* object = ImagePluginBatchPrepare("mono", nullptr, &cancelled);
+        const bool confirmed = object != nullptr;
+        ImagePluginBatchDispose("mono", object);
+        return confirmed;
+    };
+    EXPECT_TRUE(WithHand(L"2階調化", open, [](const DialogHand& hand) { hand.Click(IDOK); }));
+    EXPECT_EQ(cancelled, 0);
+    EXPECT_FALSE(WithHand(L"2階調化", open, Cancel));
+    EXPECT_EQ(cancelled, 1);
+}
+
+}  // namespace
+}  // namespace imgbasic
