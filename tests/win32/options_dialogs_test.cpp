@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <algorithm>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "plugin/imgbasic/entry.h"
@@ -224,6 +226,8 @@ class OptionsDialogs : public testing::TestWithParam<const DialogCase*> {
     }
 };
 
+class DialogsWithPreview : public OptionsDialogs {};
+
 void Cancel(const DialogHand& hand) {
     hand.Click(IDCANCEL);
 }
@@ -239,7 +243,6 @@ TEST_P(OptionsDialogs, ShowWhatIsStoredAsFarAsItIsGood) {
     Store(Case().filter, Case().good);
     shows(Expected(Case().goodShown));
     EXPECT_EQ(Stored(Case().filter), Case().good) << "cancelling writes nothing";
-    Store(Case().filter, Case().bad);
     ClearPrivateStore();
     Store(Case().filter, Case().bad);
     shows(Case().defaults);
@@ -252,14 +255,10 @@ TEST_P(OptionsDialogs, StoreWhatIsExecuted) {
         hand.Click(IDOK);
     }));
     EXPECT_EQ(ScriptedHost::calls, 1);
-    Registry expected = Case().good;
-    EXPECT_EQ(Stored(Case().filter), expected);
+    EXPECT_EQ(Stored(Case().filter), Case().good);
 }
 
-TEST_P(OptionsDialogs, PreviewEveryChangeOnce) {
-    if (Case().filter == std::string("scaling")) {
-        GTEST_SKIP() << "without a preview";
-    }
+TEST_P(DialogsWithPreview, RunTheHostOnceForEveryChange) {
     EXPECT_TRUE(OpenWith(ScriptedHost::Callback(), [&](const DialogHand& hand) {
         hand.Click(1303);
         hand.Click(1303);
@@ -274,10 +273,9 @@ TEST_P(OptionsDialogs, PreviewEveryChangeOnce) {
 
 TEST_P(OptionsDialogs, StoreNothingWithoutAHostOrWhenItRefuses) {
     EXPECT_TRUE(OpenWith(nullptr, [&](const DialogHand& hand) {
-        if (Case().defaults.contains(1300) || !Case().defaults.contains(1317)) {
-            EXPECT_EQ(hand.Look(1303), L"(プレビュー)");
-            EXPECT_EQ(hand.Look(1002), L"(結合した画像)");
-        }
+        const bool previews = Case().defaults.contains(1002);
+        EXPECT_EQ(hand.Look(1303), previews ? L"(プレビュー)" : L"1");
+        EXPECT_EQ(hand.Look(1002), previews ? L"(結合した画像)" : L"()");
         hand.Click(IDOK);
     }));
     EXPECT_EQ(Stored(Case().filter), Registry());
@@ -287,43 +285,63 @@ TEST_P(OptionsDialogs, StoreNothingWithoutAHostOrWhenItRefuses) {
     EXPECT_EQ(Stored(Case().filter), Registry());
 }
 
-TEST_P(OptionsDialogs, LeaveNothingBehind) {
-    const auto counts = [] {
-        const HANDLE process = GetCurrentProcess();
-        PROCESS_HEAP_ENTRY entry{};
-        int blocks = 0;
-        for (HeapLock(GetProcessHeap()); HeapWalk(GetProcessHeap(), &entry);) {
-            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
-        }
-        HeapUnlock(GetProcessHeap());
-        int windows = 0;
+/// What a dialog could leave behind. Wine counts neither GDI nor USER objects.
+struct Counts {
+    DWORD gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    DWORD user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    int windows = 0;
+    int heapBlocks = 0;
+
+    Counts() {
         EnumThreadWindows(
             GetCurrentThreadId(),
             [](HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count), TRUE; },
             reinterpret_cast<LPARAM>(&windows));
-        return std::array{static_cast<int>(GetGuiResources(process, GR_GDIOBJECTS)),
-                          static_cast<int>(GetGuiResources(process, GR_USEROBJECTS)), windows,
-                          blocks / 100};
-    };
+        HANDLE heaps[64];
+        const DWORD heapCount = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
+        for (const HANDLE heap : std::span(heaps, heapCount)) {
+            PROCESS_HEAP_ENTRY entry{};
+            for (HeapLock(heap); HeapWalk(heap, &entry);) {
+                heapBlocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+            }
+            HeapUnlock(heap);
+        }
+    }
+};
+
+TEST_P(OptionsDialogs, LeaveNothingBehind) {
+    constexpr int kTimes = 200;
     const ApplyCallback apply = ScriptedHost::Callback();
     EXPECT_FALSE(OpenWith(apply, Cancel));
-    const auto before = counts();
-    for (int i = 0; i < 200; ++i) {
+    const Counts before;
+    for (int i = 0; i < kTimes; ++i) {
         ASSERT_FALSE(OpenWith(apply, Cancel));
     }
-    EXPECT_EQ(counts(), before);
+    const Counts after;
+    EXPECT_EQ(after.gdi, before.gdi);
+    EXPECT_EQ(after.user, before.user);
+    EXPECT_EQ(after.windows, before.windows);
+    // The system keeps a few blocks of its own from time to time.
+    EXPECT_LT(after.heapBlocks, before.heapBlocks + kTimes / 4);
 }
 
-std::vector<const DialogCase*> AllDialogs() {
-    std::vector<const DialogCase*> all;
-    for (const DialogCase& dialog : kDialogs) {
-        all.push_back(&dialog);
+/// The first dialogs of the table, in which "scaling", without a preview, is the last.
+std::vector<const DialogCase*> FirstDialogs(size_t count) {
+    std::vector<const DialogCase*> first;
+    for (const DialogCase& dialog : std::span(kDialogs).first(count)) {
+        first.push_back(&dialog);
     }
-    return all;
+    return first;
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, OptionsDialogs, testing::ValuesIn(AllDialogs()),
-                         [](const auto& dialog) { return dialog.param->filter; });
+std::string FilterOf(const testing::TestParamInfo<const DialogCase*>& dialog) {
+    return dialog.param->filter;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, OptionsDialogs, testing::ValuesIn(FirstDialogs(std::size(kDialogs))),
+                         FilterOf);
+INSTANTIATE_TEST_SUITE_P(Each, DialogsWithPreview,
+                         testing::ValuesIn(FirstDialogs(std::size(kDialogs) - 1)), FilterOf);
 
 class OneDialog : public testing::Test {
   protected:
