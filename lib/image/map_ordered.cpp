@@ -4,6 +4,8 @@
 #include <cstdlib>
 
 #include "lib/image/map_kinds.h"
+#include "lib/image/map_rows.h"
+#include "lib/image/simd.h"
 
 namespace imgbasic {
 namespace {
@@ -21,32 +23,25 @@ constexpr uint8_t kThresholds[8][4][4] = {
     {{0, 136, 34, 170}, {204, 68, 238, 102}, {51, 187, 17, 153}, {255, 119, 221, 85}},
 };
 
-/// What is added to a channel, by the position in the matrix and the channel's distance from the
-/// nearest entry.
-using Offsets = std::array<std::array<std::array<int16_t, 256>, 4>, 4>;
-
-constexpr Offsets MakeOffsets() {
-    Offsets offsets{};
+constexpr std::array<OrderedOffsets, 4> MakeOffsets() {
+    std::array<OrderedOffsets, 4> rows{};
     for (size_t y = 0; y < 4; ++y) {
         for (size_t x = 0; x < 4; ++x) {
-            for (unsigned distance = 1; distance < 256; ++distance) {
-                const int bits = std::bit_width(distance);
-                offsets[y][x][distance] =
-                    static_cast<int16_t>(kThresholds[bits - 1][y][x] - (1 << (bits - 1)));
+            for (size_t bits = 1; bits <= 8; ++bits) {
+                rows[y].offsets[x][bits] =
+                    static_cast<int8_t>(kThresholds[bits - 1][y][x] - (1 << (bits - 1)));
             }
         }
     }
-    return offsets;
+    return rows;
 }
 
-constexpr Offsets kOffsets = MakeOffsets();
-
-uint32_t Dithered(uint32_t color, uint32_t nearest, const std::array<int16_t, 256>& offsets) {
+uint32_t Dithered(uint32_t color, uint32_t nearest, const int8_t (&offsets)[16]) {
     uint32_t word = 0;
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
         const int value = ChannelOf(color, channel);
-        const int distance = std::abs(value - ChannelOf(nearest, channel));
-        const int moved = value + offsets[static_cast<size_t>(distance)];
+        const auto distance = static_cast<unsigned>(std::abs(value - ChannelOf(nearest, channel)));
+        const int moved = value + offsets[std::bit_width(distance)];
         word |= static_cast<uint32_t>(std::clamp(moved, 0, 255)) << (8 * channel);
     }
     return word;
@@ -54,19 +49,29 @@ uint32_t Dithered(uint32_t color, uint32_t nearest, const std::array<int16_t, 25
 
 }  // namespace
 
+void MapOrderedRowScalar(NearestLookup& lookup, const uint32_t* pixels, uint8_t* indices,
+                         size_t width, const OrderedOffsets& row) {
+    for (size_t x = 0; x < width; ++x) {
+        const uint32_t color = VisibleColor(pixels[x]);
+        indices[x] = lookup.Find(color);
+        const uint32_t nearest = lookup.Tables().colors[indices[x]];
+        const uint32_t dithered = Dithered(color, nearest, row.offsets[x % 4]);
+        if (dithered != color) {
+            indices[x] = lookup.Find(dithered);
+        }
+    }
+}
+
 void MapOrdered(NearestLookup& lookup, const KVBitmap& source, KVBitmap& indexed) {
-    const uint32_t* pixel = source.Words().data();
+    static constexpr KernelForms<MapOrderedForm> kForms{MapOrderedRowScalar,
+                                                        IMGBASIC_X86_FORM(MapOrderedRowAvx2)};
+    static constexpr auto kOffsets = MakeOffsets();
+    const uint32_t* pixels = source.Words().data();
     for (int32_t y = 0; y < source.Height(); ++y) {
         const auto row = indexed.IndexRow(y);
-        const auto& offsets = kOffsets[static_cast<size_t>(y) % 4];
-        for (size_t x = 0; x < row.size(); ++x) {
-            const uint32_t color = VisibleColor(*pixel++);
-            row[x] = lookup.Find(color);
-            const uint32_t dithered = Dithered(color, lookup.ColorAt(row[x]), offsets[x % 4]);
-            if (dithered != color) {
-                row[x] = lookup.Find(dithered);
-            }
-        }
+        kForms.Active()(lookup, pixels, row.data(), row.size(),
+                        kOffsets[static_cast<size_t>(y) % 4]);
+        pixels += row.size();
     }
 }
 

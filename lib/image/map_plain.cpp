@@ -1,13 +1,24 @@
 #include "lib/image/map_kinds.h"
+#include "lib/image/map_rows.h"
+#include "lib/image/simd.h"
 
 namespace imgbasic {
 
+void MapPlainRowScalar(NearestLookup& lookup, const uint32_t* pixels, uint8_t* indices,
+                       size_t width) {
+    for (size_t x = 0; x < width; ++x) {
+        indices[x] = lookup.Find(VisibleColor(pixels[x]));
+    }
+}
+
 void MapPlain(NearestLookup& lookup, const KVBitmap& source, KVBitmap& indexed) {
-    const uint32_t* pixel = source.Words().data();
+    static constexpr KernelForms<MapPlainForm> kForms{MapPlainRowScalar,
+                                                      IMGBASIC_X86_FORM(MapPlainRowAvx2)};
+    const uint32_t* pixels = source.Words().data();
     for (int32_t y = 0; y < source.Height(); ++y) {
-        for (uint8_t& index : indexed.IndexRow(y)) {
-            index = lookup.Find(VisibleColor(*pixel++));
-        }
+        const auto row = indexed.IndexRow(y);
+        kForms.Active()(lookup, pixels, row.data(), row.size());
+        pixels += row.size();
     }
 }
 

@@ -1,9 +1,12 @@
 #include "lib/image/nearest_lookup.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <numeric>
 #include <span>
+
+#include "lib/image/nearest_rule.h"
 
 namespace imgbasic {
 namespace {
@@ -38,6 +41,25 @@ Reach ReachOf(uint32_t color, uint32_t cell, AlphaMode mode, bool alphaInDistanc
     return reach;
 }
 
+/// Of one cell's blocks; `color` masked.
+uint8_t FindInBlocks(const CandidateBlock* block, uint32_t color) {
+    // Alpha is either a channel like the others or the same everywhere.
+    NearestRule nearest(AlphaMode::Axis, true, color);
+    for (;; ++block) {
+        for (uint32_t i = 0; i < block->count; ++i) {
+            if (nearest.Compare(block->colors[i], block->indices[i])) {
+                return block->indices[i];
+            }
+        }
+        if (!block->more) {
+            return static_cast<uint8_t>(nearest.Index());
+        }
+    }
+}
+
+/// When the blocks are used up, the palette is searched for further cells.
+constexpr uint32_t kMaxBlocks = 1 << 17;
+
 }  // namespace
 
 NearestLookup::NearestLookup(const ReducePalette& palette)
@@ -45,11 +67,28 @@ NearestLookup::NearestLookup(const ReducePalette& palette)
       alphaInDistance_(palette.alphaMode == AlphaMode::Axis ||
                        (palette.alphaMode == AlphaMode::First && palette.Grid() == nullptr)),
       cells_(AllocateZeroed(kColorCells * sizeof(uint32_t))),
-      pool_(1) {
+      blocks_(AllocateZeroed(kMaxBlocks * sizeof(CandidateBlock))) {
+    tables_.cells = reinterpret_cast<const uint32_t*>(cells_.get());
+    tables_.blocks = reinterpret_cast<const CandidateBlock*>(blocks_.get());
+    tables_.colorMask = alphaInDistance_ ? 0xFFFFFFFF : 0x00FFFFFF;
+    std::ranges::transform(palette.entries, tables_.colors, &KVColorPalette::Word);
     if (palette.Grid() == nullptr) {
         allEntries_.resize(palette.entries.size());
         std::iota(allEntries_.begin(), allEntries_.end(), uint8_t{0});
     }
+}
+
+uint8_t NearestLookup::Find(uint32_t color) {
+    const uint32_t number = CellOf(color);
+    uint32_t cell = tables_.cells[number];
+    if (cell == NearestTables::kUnknown) {
+        cell = Prepare(number);
+        reinterpret_cast<uint32_t*>(cells_.get())[number] = cell;
+    }
+    if (cell == NearestTables::kSearchPalette) {
+        return FindInPalette(color);
+    }
+    return FindInBlocks(tables_.blocks + cell, color & tables_.colorMask);
 }
 
 uint8_t NearestLookup::FindInPalette(uint32_t color) const {
@@ -64,14 +103,11 @@ uint32_t NearestLookup::Prepare(uint32_t number) {
     }
     const std::span<const uint8_t> entries =
         palette_.Grid() != nullptr ? palette_.Candidates(corner) : allEntries_;
-    if (pool_.size() + entries.size() > kPoolSize) {
-        return kUnknown;
-    }
     std::array<Reach, CandidateGrid::kMaxEntries> reaches;
     int closestAlpha = std::numeric_limits<int>::max();
     for (size_t i = 0; i < entries.size(); ++i) {
-        reaches[i] = ReachOf(palette_.entries[entries[i]].Word(), number, palette_.alphaMode,
-                             alphaInDistance_);
+        reaches[i] =
+            ReachOf(tables_.colors[entries[i]], number, palette_.alphaMode, alphaInDistance_);
         closestAlpha = std::min(closestAlpha, reaches[i].alpha);
     }
     int bound = std::numeric_limits<int>::max();
@@ -80,25 +116,39 @@ uint32_t NearestLookup::Prepare(uint32_t number) {
             bound = std::min(bound, reaches[i].greatest);
         }
     }
-    const auto first = static_cast<uint32_t>(pool_.size());
-    bool closestSeen = false;
+    candidates_.clear();
     for (size_t i = 0; i < entries.size(); ++i) {
-        const bool closest = reaches[i].alpha == closestAlpha;
-        // An entry of farther alpha is the answer only when the search meets it first and it
-        // is at distance zero.
-        if (closest ? reaches[i].least <= bound : !closestSeen && reaches[i].least == 0) {
-            pool_.push_back({palette_.entries[entries[i]].Word(), entries[i], false});
+        if (reaches[i].alpha == closestAlpha) {
+            if (reaches[i].least <= bound) {
+                candidates_.push_back(entries[i]);
+            }
+        } else if (reaches[i].least == 0 && candidates_.empty()) {
+            // At distance zero it ends the search although its alpha is farther.
+            return NearestTables::kSearchPalette;
         }
-        closestSeen = closestSeen || closest;
     }
-    pool_.back().last = true;
-    uint32_t& cell = Cells()[number];
-    cell = first;
-    if (pool_.size() == first + 1) {
-        cell = kSingle | pool_.back().index;
-        pool_.pop_back();
+    return AddBlocks(candidates_);
+}
+
+uint32_t NearestLookup::AddBlocks(const std::vector<uint8_t>& candidates) {
+    constexpr size_t kSize = CandidateBlock::kSize;
+    const size_t needed = (candidates.size() + kSize - 1) / kSize;
+    if (blockCount_ + needed > kMaxBlocks) {
+        return NearestTables::kSearchPalette;
     }
-    return cell;
+    const uint32_t first = blockCount_;
+    for (size_t begin = 0; begin < candidates.size(); begin += kSize) {
+        auto& block = reinterpret_cast<CandidateBlock*>(blocks_.get())[blockCount_++];
+        const size_t count = std::min(candidates.size() - begin, kSize);
+        for (size_t i = 0; i < kSize; ++i) {
+            const uint8_t index = candidates[begin + (i < count ? i : 0)];
+            block.indices[i] = index;
+            block.colors[i] = tables_.colors[index] & tables_.colorMask;
+        }
+        block.count = static_cast<uint32_t>(count);
+        block.more = begin + kSize < candidates.size();
+    }
+    return first;
 }
 
 }  // namespace imgbasic

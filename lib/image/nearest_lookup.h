@@ -5,10 +5,31 @@
 
 #include "lib/base/zeroed_block.h"
 #include "lib/image/color_word.h"
-#include "lib/image/nearest_rule.h"
 #include "lib/image/reduce_palette.h"
 
 namespace imgbasic {
+
+/// Some of the entries that can be the nearest to the colours of a cell, in the order in which
+/// they are compared. A cell with more than one block has them side by side.
+struct CandidateBlock {
+    static constexpr uint32_t kSize = 8;
+
+    uint32_t colors[kSize];  ///< as NearestTables::colorMask leaves them; spare ones as the first
+    uint8_t indices[kSize];  ///< of the palette entries
+    uint32_t count;          ///< entries, 1 to kSize
+    bool more;               ///< whether another block follows
+};
+
+/// What a NearestLookup has found out so far, in the form in which vector code reads it.
+struct NearestTables {
+    static constexpr uint32_t kUnknown = 0;
+    static constexpr uint32_t kSearchPalette = 0xFFFFFFFF;
+
+    const uint32_t* cells;  ///< by CellOf: kUnknown, kSearchPalette or the first block
+    const CandidateBlock* blocks;
+    uint32_t colorMask;  ///< the channels that the squared distance is taken over
+    uint32_t colors[CandidateGrid::kMaxEntries];  ///< the palette's, as pixel words
+};
 
 /// Answers what FindNearestInGrid, or without a grid FindNearest, would answer for one palette
 /// while it lives, but looks at few entries a colour: the first colour of each cell (see CellOf)
@@ -17,56 +38,27 @@ class NearestLookup {
   public:
     /// The palette must be finished, have 1 to 256 entries and stay as it is.
     explicit NearestLookup(const ReducePalette& palette);
-    /// False when memory ran out; then Find must not be called.
-    bool IsReady() const { return cells_ != nullptr; }
+    /// False when memory ran out; then nothing else may be called.
+    bool IsReady() const { return cells_ != nullptr && blocks_ != nullptr; }
 
-    /// The index of the nearest entry.
-    uint8_t Find(uint32_t color) {
-        const uint32_t number = CellOf(color);
-        uint32_t cell = Cells()[number];
-        if (cell == kUnknown) {
-            cell = Prepare(number);
-        }
-        if ((cell & kSingle) != 0) {
-            return static_cast<uint8_t>(cell);
-        }
-        return cell == kUnknown ? FindInPalette(color) : FindInList(&pool_[cell], color);
-    }
+    /// The index of the entry nearest to a pixel word.
+    uint8_t Find(uint32_t color);
 
-    /// The colour of the palette's entry as a pixel word.
-    uint32_t ColorAt(uint8_t index) const { return palette_.entries[index].Word(); }
+    const NearestTables& Tables() const { return tables_; }
 
   private:
-    /// An entry that is the nearest to some colours of a cell, perhaps.
-    struct Candidate {
-        uint32_t color;
-        uint16_t index;
-        bool last;  ///< of the cell
-    };
-
-    // A cell is unknown, has a single candidate (its index in the low bits), or is the place of
-    // its first candidate in the pool.
-    static constexpr uint32_t kUnknown = 0;
-    static constexpr uint32_t kSingle = 1U << 31;
-    /// When the pool is full, further cells stay unknown.
-    static constexpr size_t kPoolSize = size_t{1} << 20;
-
-    uint32_t* Cells() { return reinterpret_cast<uint32_t*>(cells_.get()); }
     uint32_t Prepare(uint32_t number);
+    uint32_t AddBlocks(const std::vector<uint8_t>& candidates);
     uint8_t FindInPalette(uint32_t color) const;
-    uint8_t FindInList(const Candidate* candidate, uint32_t color) const {
-        NearestRule nearest(palette_.alphaMode, alphaInDistance_, color);
-        while (!nearest.Compare(candidate->color, candidate->index) && !candidate->last) {
-            ++candidate;
-        }
-        return static_cast<uint8_t>(nearest.Index());
-    }
 
     const ReducePalette& palette_;
     bool alphaInDistance_;
     std::vector<uint8_t> allEntries_;  ///< the candidates of every cell of a palette without grid
+    std::vector<uint8_t> candidates_;  ///< of the cell that is prepared
     ZeroedBlock cells_;
-    std::vector<Candidate> pool_;
+    ZeroedBlock blocks_;
+    uint32_t blockCount_ = 1;  ///< the first is not used: its number means kUnknown
+    NearestTables tables_{};
 };
 
 }  // namespace imgbasic

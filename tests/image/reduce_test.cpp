@@ -8,6 +8,7 @@
 #include "lib/image/map_to_indexed.h"
 #include "lib/image/quantize_graduated.h"
 #include "lib/image/quantize_palette.h"
+#include "lib/image/simd.h"
 #include "tests/image/simple_reduce.h"
 
 namespace imgbasic {
@@ -85,6 +86,17 @@ std::vector<uint8_t> Indices(const KVBitmap& indexed) {
     return indices;
 }
 
+void ExpectEqualMapping(const ReducePalette& palette, const KVBitmap& bitmap, int dither,
+                        const std::vector<uint8_t>& expected) {
+    for (const SimdLevel level : {SimdLevel::Scalar, SupportedSimdLevel()}) {
+        const ScopedSimdLevel forced(level);
+        const auto indexed = MapToIndexed(palette, &bitmap, dither);
+        ASSERT_NE(indexed, nullptr);
+        ASSERT_EQ(Indices(*indexed), expected)
+            << "dither " << dither << ", level " << static_cast<int>(level);
+    }
+}
+
 TEST(Reduce, EqualsTheStepByStepForm) {
     for (uint32_t seed = 0; seed < 2048; ++seed) {
         SCOPED_TRACE(seed);
@@ -100,9 +112,7 @@ TEST(Reduce, EqualsTheStepByStepForm) {
             graduate ? SimpleGraduate(image, count) : SimpleQuantize(image, countSpec);
         ASSERT_EQ(Simple(palette), expected);
         for (int dither = 0; dither < 4; ++dither) {
-            const auto indexed = MapToIndexed(palette, &bitmap, dither);
-            ASSERT_NE(indexed, nullptr);
-            ASSERT_EQ(Indices(*indexed), SimpleMap(expected, image, dither)) << dither;
+            ExpectEqualMapping(palette, bitmap, dither, SimpleMap(expected, image, dither));
         }
     }
 }
@@ -128,9 +138,8 @@ TEST(Reduce, FindsTheNearestInAnyPalette) {
             return random() % 4 == 0 ? static_cast<uint32_t>(random()) : color();
         });
         KVBitmap bitmap(image.width, image.height);
-        const auto indexed = MapToIndexed(palette, Fill(bitmap, image), NoDither);
-        const auto expected = SimpleMap(Simple(palette), image, 0);
-        ASSERT_EQ(Indices(*indexed), expected);
+        const auto expected = SimpleMap(Simple(palette), image, NoDither);
+        ExpectEqualMapping(palette, *Fill(bitmap, image), NoDither, expected);
         for (size_t i = 0; i < expected.size(); ++i) {
             const uint32_t pixel = image.pixels[i] >> 24 == 0 ? 0 : image.pixels[i];
             ASSERT_EQ(palette.Grid() != nullptr ? FindNearestInGrid(palette, pixel)

@@ -1,0 +1,17 @@
+#include "lib/image/map_rows.h"
+#include "lib/image/nearest_avx2.h"
+
+namespace imgbasic {
+
+void MapPlainRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* indices,
+                     size_t width) {
+    const NearestTables& tables = lookup.Tables();
+    const __m128i mask = ChannelLanes(tables.colorMask);
+    for (size_t x = 0; x < width; ++x) {
+        const uint32_t color = VisibleColor(pixels[x]);
+        indices[x] = FindNearestAvx2(lookup, tables, color, CellOf(color),
+                                     _mm_and_si128(ChannelLanes(color), mask));
+    }
+}
+
+}  // namespace imgbasic
