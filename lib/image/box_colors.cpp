@@ -36,13 +36,13 @@ struct Halves {
 
 /// The box of each occupied coarse colour.
 std::vector<uint8_t> BoxTable(const std::vector<CoarseColor>& coarse) {
-    std::vector<uint8_t> table(kCoarseKeys);
+    std::vector<uint8_t> table(kCellCount<kCoarseBits>);
     for (const CoarseColor& color : coarse) {
-        uint32_t key = 0;
+        uint32_t cell = 0;
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
-            key |= uint32_t{color.level[channel]} << (4 * channel);
+            cell |= uint32_t{color.level[channel]} << (kCoarseBits * channel);
         }
-        table[key] = color.box;
+        table[cell] = color.box;
     }
     return table;
 }
@@ -55,10 +55,10 @@ std::vector<Halves> CutInHalves(ColorCells& cells, const std::vector<CoarseColor
     const auto boxOf = BoxTable(coarse);
     std::vector<ColorBox> fine(boxCount);
     for (const auto& [number, count] : cells.Occupied()) {
-        ColorBox& box = fine[boxOf[CoarseKey(number, shift)]];
+        ColorBox& box = fine[boxOf[CoarseCell(number, shift)]];
         box.count += count;
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
-            box.Add(channel, CellLevel(number, channel, shift - 1), count);
+            box.Add(channel, ShiftedLevel(number, channel, shift - 1), count);
         }
     }
     std::vector<Halves> halves(boxCount);
@@ -70,9 +70,9 @@ std::vector<Halves> CutInHalves(ColorCells& cells, const std::vector<CoarseColor
     }
     const auto table = cells.Table();
     for (const auto& [number, count] : cells.Occupied()) {
-        const uint32_t box = boxOf[CoarseKey(number, shift)];
+        const uint32_t box = boxOf[CoarseCell(number, shift)];
         const auto& cut = halves[box].cut;
-        const bool upper = cut && CellLevel(number, cut->channel, shift - 1) > cut->end;
+        const bool upper = cut && ShiftedLevel(number, cut->channel, shift - 1) > cut->end;
         table[number] = 2 * box + (upper ? 1 : 0);
     }
     return halves;
@@ -83,7 +83,7 @@ void SumColors(const WeightedColors& image, std::span<const uint32_t> halfOfCell
     std::vector<std::array<uint64_t, kColorChannels>> totals(2 * halves.size());
     for (size_t i = 0; i < image.colors.size(); ++i) {
         const uint32_t color = VisibleColor(image.colors[i]);
-        auto& total = totals[halfOfCell[CellOf(color)]];
+        auto& total = totals[halfOfCell[CellOf<ColorCells::kBits>(color)]];
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
             total[channel] += static_cast<uint64_t>(ChannelOf(color, channel)) * image.Count(i);
         }

@@ -14,15 +14,17 @@ namespace imgbasic {
 /// from here, so that the pixels are counted once.
 class ColorCells {
   public:
+    static constexpr int kBits = 5;
+
     struct Cell {
-        uint32_t number;  ///< see CellOf
+        uint32_t number;  ///< CellOf<kBits>
         uint32_t count;
     };
 
     /// Without memory, Table() is empty.
     explicit ColorCells(const WeightedColors& image);
 
-    /// One value for each of the kColorCells cells: pixels, until a user puts something else
+    /// One value for each of the cells: pixels, until a user puts something else
     /// there.
     std::span<uint32_t> Table();
     /// The cells that have pixels.
@@ -35,20 +37,21 @@ class ColorCells {
     std::vector<Cell> occupied_;
 };
 
-/// The level of a cell's colours in a channel that is shifted right by `shift`, at least
-/// kCellShift.
-constexpr int CellLevel(uint32_t cell, size_t channel, int shift) {
-    return CellFloor(cell, channel) >> shift;
+/// The level of a cell's colours in a channel that is shifted right by `shift`, 3 or more.
+constexpr int ShiftedLevel(uint32_t cell, size_t channel, int shift) {
+    return CellLevel<ColorCells::kBits>(cell, channel) >> (shift - (8 - ColorCells::kBits));
 }
 
-/// The number of a cell's colours shifted by `shift`, 4 to 6: four bits a channel.
-constexpr uint32_t CoarseKey(uint32_t cell, int shift) {
-    uint32_t key = 0;
+/// Coarse colours as cells again, shifted by 4 to 6 and thus of four bits a channel at most.
+constexpr int kCoarseBits = 4;
+
+constexpr uint32_t CoarseCell(uint32_t cell, int shift) {
+    uint32_t coarse = 0;
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
-        key |= static_cast<uint32_t>(CellLevel(cell, channel, shift)) << (4 * channel);
+        coarse |= static_cast<uint32_t>(ShiftedLevel(cell, channel, shift))
+                  << (kCoarseBits * channel);
     }
-    return key;
+    return coarse;
 }
-constexpr size_t kCoarseKeys = size_t{1} << 16;
 
 }  // namespace imgbasic

@@ -20,20 +20,25 @@ static constexpr uint32_t VisibleColor(uint32_t pixel) {
     return pixel >> 24 == 0 ? 0 : pixel;
 }
 
-// Colour space divided into cells of 8 x 8 x 8 x 8 colours.
-constexpr int kCellShift = 3;
-constexpr size_t kCellLevelBits = 8 - kCellShift;
-constexpr size_t kColorCells = size_t{1} << (kColorChannels * kCellLevelBits);
+// Colour space divided into cells: of each channel the top `kBits` bits, alpha's highest. An
+// opaque image thus stays within one run of cells.
 
-/// The number of a colour's cell: the top bits of each channel, alpha's highest. An opaque image
-/// thus stays within one run of cells.
+template <int kBits>
+static constexpr size_t kCellCount = size_t{1} << (4 * kBits);
+
+/// The number of a colour's cell.
+template <int kBits>
 static constexpr uint32_t CellOf(uint32_t word) {
-    return (word >> 3 & 0x1F) | (word >> 6 & 0x3E0) | (word >> 9 & 0x7C00) | (word >> 12 & 0xF8000);
+    constexpr uint32_t kLevels = (1U << kBits) - 1;
+    return (word >> (8 - kBits) & kLevels) | (word >> (16 - 2 * kBits) & kLevels << kBits) |
+           (word >> (24 - 3 * kBits) & kLevels << 2 * kBits) |
+           (word >> (32 - 4 * kBits) & kLevels << 3 * kBits);
 }
 
-/// The least value of a channel in a cell; the greatest is 7 more.
-static constexpr int CellFloor(uint32_t cell, size_t channel) {
-    return static_cast<int>(cell >> (kCellLevelBits * channel) & 0x1F) << kCellShift;
+/// The top bits of a channel in a cell.
+template <int kBits>
+static constexpr int CellLevel(uint32_t cell, size_t channel) {
+    return static_cast<int>(cell >> (kBits * channel) & ((1U << kBits) - 1));
 }
 
 }  // namespace imgbasic

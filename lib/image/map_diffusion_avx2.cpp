@@ -32,8 +32,7 @@ void MapDiffusedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* 
         const __m128i packed = _mm_packus_epi16(sum, sum);
         const __m128i lanes = _mm_cvtepu8_epi16(packed);
         const auto wanted = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
-        const uint8_t index =
-            FindNearestAvx2(lookup, tables, wanted, CellOf(wanted), _mm_and_si128(lanes, mask));
+        const uint8_t index = FindNearestAvx2(lookup, tables, wanted, _mm_and_si128(lanes, mask));
         indices[x] = index;
         previous = _mm_sub_epi16(_mm_blendv_epi8(lanes, color, keepColor),
                                  ChannelLanes(tables.colors[index]));

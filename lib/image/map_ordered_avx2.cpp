@@ -23,8 +23,7 @@ void MapOrderedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* i
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
         const __m128i lanes = ChannelLanes(color);
-        uint8_t index =
-            FindNearestAvx2(lookup, tables, color, CellOf(color), _mm_and_si128(lanes, mask));
+        uint8_t index = FindNearestAvx2(lookup, tables, color, _mm_and_si128(lanes, mask));
         const __m128i nearest = ChannelLanes(tables.colors[index]);
         // The high bytes of the 16-bit lanes stay zero, and so does what they look up.
         const __m128i bits = BitWidths(_mm_abs_epi16(_mm_sub_epi16(lanes, nearest)));
@@ -35,7 +34,7 @@ void MapOrderedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* i
         const __m128i packed = _mm_packus_epi16(moved, moved);
         const auto dithered = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
         if (dithered != color) {
-            index = FindNearestAvx2(lookup, tables, dithered, CellOf(dithered),
+            index = FindNearestAvx2(lookup, tables, dithered,
                                     _mm_and_si128(_mm_cvtepu8_epi16(packed), mask));
         }
         indices[x] = index;

@@ -9,8 +9,8 @@ void MapPlainRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* ind
     const __m128i mask = ChannelLanes(tables.colorMask);
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
-        indices[x] = FindNearestAvx2(lookup, tables, color, CellOf(color),
-                                     _mm_and_si128(ChannelLanes(color), mask));
+        indices[x] =
+            FindNearestAvx2(lookup, tables, color, _mm_and_si128(ChannelLanes(color), mask));
     }
 }
 

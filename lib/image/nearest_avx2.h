@@ -28,11 +28,11 @@ static inline __m128i BlockDistances(const CandidateBlock& block, __m256i query)
     return _mm_shuffle_epi32(packed, _MM_SHUFFLE(3, 1, 2, 0));
 }
 
-/// NearestLookup::Find for a colour whose cell's number and channel lanes are at hand. Where two
-/// entries are equally near, and for cells that are new, that decides.
+/// NearestLookup::Find for a colour whose masked channel lanes are at hand. Where two entries are
+/// equally near, and for cells that are new, that decides.
 static inline uint8_t FindNearestAvx2(NearestLookup& lookup, const NearestTables& tables,
-                                      uint32_t color, uint32_t number, __m128i lanes) {
-    const uint32_t cell = tables.cells[number];
+                                      uint32_t color, __m128i lanes) {
+    const uint32_t cell = tables.cells[CellOf<NearestTables::kBits>(color)];
     if (cell == NearestTables::kUnknown || cell == NearestTables::kSearchPalette) {
         return lookup.Find(color);
     }

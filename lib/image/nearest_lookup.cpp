@@ -19,22 +19,27 @@ struct Reach {
     int greatest = 0;
 };
 
-/// An alpha that is compared first is 0 or 255 for every entry, and the colours of one cell, whose
-/// alpha floor is a multiple of 8, agree on which of the two is closer: the floor decides.
+constexpr int kCellShift = 8 - NearestTables::kBits;
+
+int CellFloor(uint32_t cell, size_t channel) {
+    return CellLevel<NearestTables::kBits>(cell, channel) << kCellShift;
+}
+
+/// An alpha that is compared first is 0 or 255 for every entry, and the colours of one cell, none
+/// of which reaches over the middle, agree on which of the two is closer: the floor decides.
 Reach ReachOf(uint32_t color, uint32_t cell, AlphaMode mode, bool alphaInDistance) {
     Reach reach;
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
-        const int value = ChannelOf(color, channel);
-        const int floor = CellFloor(cell, channel);
-        const int ceiling = floor + (1 << kCellShift) - 1;
+        constexpr int kLength = (1 << kCellShift) - 1;
+        const int above = ChannelOf(color, channel) - CellFloor(cell, channel);
         if (channel == kAlphaChannel && mode == AlphaMode::First) {
-            reach.alpha = std::abs(value - floor);
+            reach.alpha = std::abs(above);
         }
         if (channel == kAlphaChannel && !alphaInDistance) {
             continue;
         }
-        const int near = std::clamp(value, floor, ceiling) - value;
-        const int far = std::max(std::abs(value - floor), std::abs(value - ceiling));
+        const int near = std::max({above - kLength, -above, 0});
+        const int far = std::max(above, kLength - above);
         reach.least += near * near;
         reach.greatest += far * far;
     }
@@ -66,7 +71,7 @@ NearestLookup::NearestLookup(const ReducePalette& palette)
     : palette_(palette),
       alphaInDistance_(palette.alphaMode == AlphaMode::Axis ||
                        (palette.alphaMode == AlphaMode::First && palette.Grid() == nullptr)),
-      cells_(AllocateZeroed(kColorCells * sizeof(uint32_t))),
+      cells_(AllocateZeroed(kCellCount<NearestTables::kBits> * sizeof(uint32_t))),
       blocks_(AllocateZeroed(kMaxBlocks * sizeof(CandidateBlock))) {
     tables_.cells = reinterpret_cast<const uint32_t*>(cells_.get());
     tables_.blocks = reinterpret_cast<const CandidateBlock*>(blocks_.get());
@@ -79,7 +84,7 @@ NearestLookup::NearestLookup(const ReducePalette& palette)
 }
 
 uint8_t NearestLookup::Find(uint32_t color) {
-    const uint32_t number = CellOf(color);
+    const uint32_t number = CellOf<NearestTables::kBits>(color);
     uint32_t cell = tables_.cells[number];
     if (cell == NearestTables::kUnknown) {
         cell = Prepare(number);

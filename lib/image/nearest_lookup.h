@@ -22,10 +22,11 @@ struct CandidateBlock {
 
 /// What a NearestLookup has found out so far, in the form in which vector code reads it.
 struct NearestTables {
+    static constexpr int kBits = 4;  ///< of the cells
     static constexpr uint32_t kUnknown = 0;
     static constexpr uint32_t kSearchPalette = 0xFFFFFFFF;
 
-    const uint32_t* cells;  ///< by CellOf: kUnknown, kSearchPalette or the first block
+    const uint32_t* cells;  ///< by CellOf<kBits>: kUnknown, kSearchPalette or the first block
     const CandidateBlock* blocks;
     uint32_t colorMask;  ///< the channels that the squared distance is taken over
     uint32_t colors[CandidateGrid::kMaxEntries];  ///< the palette's, as pixel words

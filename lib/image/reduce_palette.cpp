@@ -1,6 +1,7 @@
 #include "lib/image/reduce_palette.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "lib/image/nearest_rule.h"
@@ -31,7 +32,7 @@ struct OccupiedCell {
 std::vector<OccupiedCell> OccupiedCells(const KVArray<KVColorPalette>& entries) {
     std::vector<OccupiedCell> occupied;
     for (size_t i = 0; i < entries.size(); ++i) {
-        const uint32_t cell = CandidateGrid::CellOf(entries[i].Word());
+        const uint32_t cell = CellOf<CandidateGrid::kBits>(entries[i].Word());
         auto place = std::ranges::lower_bound(occupied, cell, {}, &OccupiedCell::cell);
         if (place == occupied.end() || place->cell != cell) {
             place = occupied.insert(place, {cell, {}});
@@ -41,36 +42,57 @@ std::vector<OccupiedCell> OccupiedCells(const KVArray<KVColorPalette>& entries) 
     return occupied;
 }
 
-/// The greatest difference of the cells' coordinates.
-int CellsApart(uint32_t a, uint32_t b) {
-    int apart = 0;
-    for (int shift = 0; shift < 12; shift += 3) {
-        apart = std::max(
-            apart, std::abs(static_cast<int>(a >> shift & 7) - static_cast<int>(b >> shift & 7)));
-    }
-    return apart;
-}
+/// For each occupied cell how far another one is apart from it: the greatest difference of their
+/// coordinates.
+using CellsApart = std::array<uint8_t, CandidateGrid::kMaxEntries>;
 
 /// A cell's candidates are its own entries, then those of all cells within a radius of 1, or
 /// where that leaves it without any, within the least radius that does not.
-void FillCell(CandidateGrid& grid, uint32_t cell, const std::vector<OccupiedCell>& occupied) {
+void FillCell(CandidateGrid& grid, uint32_t cell, const std::vector<OccupiedCell>& occupied,
+              const CellsApart& apart) {
     uint8_t* list = grid.lists[cell];
     uint8_t* end = list;
-    int radius = 8;
-    for (const OccupiedCell& other : occupied) {
-        if (other.cell == cell) {
-            end = std::ranges::copy(other.entries, end).out;
-            radius = 1;
-        } else {
-            radius = std::min(radius, CellsApart(cell, other.cell));
+    uint8_t radius = 8;
+    for (size_t i = 0; i < occupied.size(); ++i) {
+        if (apart[i] == 0) {
+            end = std::ranges::copy(occupied[i].entries, end).out;
         }
+        radius = std::min(radius, std::max(apart[i], uint8_t{1}));
     }
-    for (const OccupiedCell& other : occupied) {
-        if (other.cell != cell && CellsApart(cell, other.cell) <= radius) {
-            end = std::ranges::copy(other.entries, end).out;
+    for (size_t i = 0; i < occupied.size(); ++i) {
+        if (apart[i] != 0 && apart[i] <= radius) {
+            end = std::ranges::copy(occupied[i].entries, end).out;
         }
     }
     grid.counts[cell] = static_cast<uint32_t>(end - list);
+}
+
+void FillGrid(CandidateGrid& grid, const std::vector<OccupiedCell>& occupied) {
+    constexpr int kBits = CandidateGrid::kBits;
+    std::array<CellsApart, kColorChannels> coordinates{};
+    for (size_t channel = 0; channel < kColorChannels; ++channel) {
+        for (size_t i = 0; i < occupied.size(); ++i) {
+            coordinates[channel][i] =
+                static_cast<uint8_t>(CellLevel<kBits>(occupied[i].cell, channel));
+        }
+    }
+    // apart[c] looks at channel c and those above, which change less often from cell to cell.
+    std::array<CellsApart, kColorChannels + 1> apart{};
+    for (uint32_t cell = 0; cell < kCellCount<kBits>; ++cell) {
+        for (size_t channel = kColorChannels; channel-- > 0;) {
+            if (cell % (1U << (kBits * channel)) != 0) {
+                continue;
+            }
+            const auto level = static_cast<uint8_t>(CellLevel<kBits>(cell, channel));
+            for (size_t i = 0; i < occupied.size(); ++i) {
+                const uint8_t other = coordinates[channel][i];
+                const auto difference =
+                    static_cast<uint8_t>(std::max(level, other) - std::min(level, other));
+                apart[channel][i] = std::max(apart[channel + 1][i], difference);
+            }
+        }
+        FillCell(grid, cell, occupied, apart[0]);
+    }
 }
 
 bool AlphaInFullDistance(const ReducePalette& palette) {
@@ -80,7 +102,7 @@ bool AlphaInFullDistance(const ReducePalette& palette) {
 }  // namespace
 
 std::span<const uint8_t> ReducePalette::Candidates(uint32_t color) const {
-    const uint32_t cell = CandidateGrid::CellOf(color);
+    const uint32_t cell = CellOf<CandidateGrid::kBits>(color);
     return {Grid()->lists[cell], Grid()->counts[cell]};
 }
 
@@ -96,10 +118,7 @@ void FinishPalette(ReducePalette& palette) {
         return;
     }
     auto& grid = *reinterpret_cast<CandidateGrid*>(palette.gridBlock.get());
-    const auto occupied = OccupiedCells(palette.entries);
-    for (uint32_t cell = 0; cell < CandidateGrid::kCells; ++cell) {
-        FillCell(grid, cell, occupied);
-    }
+    FillGrid(grid, OccupiedCells(palette.entries));
 }
 
 int32_t FindNearest(const ReducePalette& palette, uint32_t color) {

@@ -5,6 +5,7 @@
 
 #include "lib/base/kv_array.h"
 #include "lib/base/zeroed_block.h"
+#include "lib/image/color_word.h"
 #include "lib/image/kv_color_palette.h"
 
 namespace imgbasic {
@@ -19,19 +20,13 @@ enum class AlphaMode : int32_t {
 /// Palettes with fewer entries are searched in full.
 constexpr size_t kGridMinEntries = 17;
 
-/// For each of 8 x 8 x 8 x 8 cells of colour space the palette entries worth comparing with the
-/// cell's colours.
+/// For each cell of colour space (see CellOf) the palette entries worth comparing with its colours.
 struct CandidateGrid {
-    static constexpr size_t kCells = 4096;
+    static constexpr int kBits = 3;
     static constexpr size_t kMaxEntries = 256;
 
-    uint8_t lists[kCells][kMaxEntries];
-    uint32_t counts[kCells];
-
-    /// The top three bits of each channel, alpha's highest.
-    static constexpr uint32_t CellOf(uint32_t word) {
-        return (word >> 5 & 7) | (word >> 10 & 0x38) | (word >> 15 & 0x1C0) | (word >> 20 & 0xE00);
-    }
+    uint8_t lists[kCellCount<kBits>][kMaxEntries];
+    uint32_t counts[kCellCount<kBits>];
 };
 
 /// The palette of a colour reduction. After its entries have changed, FinishPalette makes it

@@ -1,7 +1,6 @@
 #include "tests/image/simple_reduce.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <numeric>
 #include <optional>
@@ -107,7 +106,7 @@ int LowerEnd(std::map<int, int64_t>& levels, int lo, int hi, int64_t n, int64_t 
 std::optional<Cut> FindCut(Box& box, int64_t divisor) {
     for (;;) {
         std::optional<size_t> channel;
-        for (const size_t c : {3, 1, 2, 0}) {
+        for (const size_t c : {3U, 1U, 2U, 0U}) {
             if (!box.aside[c] &&
                 (!channel || box.max[c] - box.min[c] > box.max[*channel] - box.min[*channel])) {
                 channel = c;
@@ -288,10 +287,12 @@ int Ordered(SimpleNearest& nearest, const SimplePalette& palette, SimpleColor co
     const int k = nearest(color);
     const SimpleColor flat = color;
     for (size_t c = 0; c < 4; ++c) {
-        const auto d =
-            static_cast<unsigned>(std::abs(color[c] - palette[static_cast<size_t>(k)][c]));
-        if (d != 0) {
-            const int n = std::bit_width(d);
+        const int d = std::abs(color[c] - palette[static_cast<size_t>(k)][c]);
+        int n = 0;
+        while (d >> n != 0) {
+            ++n;
+        }
+        if (n != 0) {
             color[c] = std::clamp(color[c] + kMatrices[n][y % 4][x % 4] - (1 << (n - 1)), 0, 255);
         }
     }
