@@ -6,7 +6,6 @@
 #include <iconv.h>
 
 #include <cstdint>
-
 #include <stdexcept>
 #endif
 

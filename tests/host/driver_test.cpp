@@ -381,36 +381,76 @@ TEST_F(DriverTest, RefusesRunsInsideARun) {
     EXPECT_FALSE(callback()) << "no run is active any more";
 }
 
-std::filesystem::path RealModule() {
+std::filesystem::path ModulePath() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libimgbasic.so";
 }
 
-TEST(RealModule, InvertsWhatTheDocumentShows) {
-    const Module module = LoadModule(RealModule());
-    RandomDocuments random(5);
+class RealModule : public testing::Test {
+  protected:
+    Document Run(const Document& document, const RunRequest& request) const {
+        RunOutcome outcome = RunFilter(module_, document, request);
+        EXPECT_EQ(outcome.status, RunStatus::Done) << outcome.fault;
+        return std::move(outcome.document);
+    }
+
+    Module module_ = LoadModule(ModulePath());
+    RandomDocuments random_{5};
+};
+
+TEST_F(RealModule, InvertsWhatTheDocumentShows) {
     for (int i = 0; i < 20; ++i) {
-        Document document = random.AnyDocument(9, 7);
-        document.items.insert(document.items.begin(), random.AnyLayer(9, 7));
-        const RunOutcome outcome =
-            RunFilter(module, document,
-                      {.filter = "nega", .options = {Option("nega", "TargetType", MergedImage)}});
-        ASSERT_EQ(outcome.status, RunStatus::Done);
+        Document document = random_.AnyDocument(9, 7);
+        document.items.insert(document.items.begin(), random_.AnyLayer(9, 7));
+        const Document result =
+            Run(document, {.filter = "nega", .options = {Option("nega", "TargetType", 0)}});
         std::vector<RGBA16> inverted = Flatten(document);
         for (RGBA16& pixel : inverted) {
             pixel = {static_cast<uint16_t>(kFullScale - pixel.r),
                      static_cast<uint16_t>(kFullScale - pixel.g),
                      static_cast<uint16_t>(kFullScale - pixel.b), pixel.a};
         }
-        ASSERT_EQ(outcome.document.items.size(), 1U);
-        EXPECT_EQ(LayerAt(outcome.document, 0).pixels, inverted);
+        ASSERT_EQ(result.items.size(), 1U);
+        EXPECT_EQ(LayerAt(result, 0).pixels, inverted);
     }
 }
 
-TEST(RealModule, IsRefusedWhenItCannotBeUsed) {
+void ExpectSameLayer(const Layer& a, const Layer& b) {
+    EXPECT_EQ(a.name, b.name);
+    EXPECT_EQ(a.opacity, b.opacity);
+    EXPECT_EQ(a.clip, b.clip);
+    EXPECT_EQ(a.visible, b.visible);
+    EXPECT_EQ(a.pixels, b.pixels);
+    EXPECT_EQ(a.bounds, b.bounds);
+}
+
+TEST_F(RealModule, JoinsTheChannelsOfALayerToTheSameLayerInTheSamePlace) {
+    for (int i = 0; i < 20; ++i) {
+        Document document = random_.AnyDocument(9, 7);
+        Folder folder;
+        folder.name = "folder";
+        for (int k = 0; k < 3; ++k) {
+            folder.layers.push_back(random_.AnyLayer(9, 7));
+            folder.layers.back().name +=
+                "😀 a name of more than sixty-four bytes, 空空空空空空空空空空";
+            document.items.insert(document.items.begin(), folder.layers[0]);
+        }
+        document.items.emplace_back(folder);
+        const auto last = static_cast<int32_t>(document.items.size()) - 1;
+        for (LayerPosition position : {LayerPosition{1, -1}, LayerPosition{last, 2}}) {
+            const Document split = Run(document, {.filter = "chan_decomp", .current = position});
+            ++(position.layer < 0 ? position.item : position.layer);
+            const Document joined = Run(split, {.filter = "chan_merge", .current = position});
+            ASSERT_EQ(Names(joined), Names(document));
+            ExpectSameLayer(LayerAt(joined, 1), LayerAt(document, 1));
+            ExpectSameLayer(std::get<Folder>(joined.items.back()).layers[2], folder.layers[2]);
+        }
+    }
+}
+
+TEST_F(RealModule, IsRefusedWhenItCannotBeUsed) {
     EXPECT_THROW(LoadModule("/nowhere/libimgbasic.so"), ModuleError);
     EXPECT_THROW(LoadModule("libz.so.1"), ModuleError) << "nothing from the system's folders";
-    const Module module = LoadModule(RealModule());
-    EXPECT_EQ(RunFilter(module, SampleDocument(), {.filter = "sepia"}).status, RunStatus::Failed);
+    EXPECT_EQ(RunFilter(module_, SampleDocument(), {.filter = "sepia"}).status, RunStatus::Failed);
 }
 
 }  // namespace
