@@ -13,6 +13,9 @@ namespace {
 constexpr uint32_t kRemoveItem = 1;
 constexpr uint32_t kNewLayer = 2;
 
+/// And through resultKind.
+constexpr uint32_t kPlainLayer = 1;
+
 /// No filter puts more than four layers above one; without an end a faulty module would fill the
 /// memory with them.
 constexpr size_t kMostNewLayers = 16;
@@ -45,10 +48,6 @@ bool IsSize(uint32_t side) {
 bool WorksOnMergedImage(const std::string& filter, const ImageProcess& object) {
     return FindOption(filter, "TargetType") != nullptr && object.TargetType != AllLayers &&
            object.TargetType != CurrentLayer;
-}
-
-bool IsEmpty(const RECT& rect) {
-    return rect.left >= rect.right || rect.top >= rect.bottom;
 }
 
 int32_t Count(const auto& list) {
@@ -150,12 +149,42 @@ void LayerRun::Visit(Visited& visited, LayerPosition position) {
 
 /// Shows a layer once; true when a new layer now lies above it.
 bool LayerRun::Show(Visited& visited, LayerPosition position) {
-    Layer& layer = visited.layer;
     std::vector<RGBA16> produced(PixelCount(document_.width, document_.height));
+    Answer answer = Ask(visited, position, produced);
+    if (showOnly_) {
+        return false;
+    }
+    if (answer.code == kRemoveItem) {
+        visited.isRemoved = true;
+        return false;
+    }
+    if (answer.code == kNewLayer) {
+        Layer& made = visited.above.emplace_back();
+        CopyAttributes(made, answer.attributes);
+        Store(made, std::move(produced), answer.area, true);
+        return true;
+    }
+    visited.isPlain = answer.kind == kPlainLayer ||
+                      (WorksOnMergedImage(filter_, object_) && !answer.area.IsEmpty());
+    if (visited.isPlain) {
+        Layer plain;
+        plain.name = answer.attributes.name;
+        answer.attributes = std::move(plain);
+    }
+    CopyAttributes(visited.layer, answer.attributes);
+    if (!visited.isFolder || visited.isPlain) {
+        const bool resized = sourceWidth_ != document_.width || sourceHeight_ != document_.height;
+        Store(visited.layer, std::move(produced), answer.area, resized || visited.isPlain);
+    }
+    return false;
+}
+
+/// Calls the filter; a refusal is an answer that changes nothing.
+LayerRun::Answer LayerRun::Ask(const Visited& visited, LayerPosition position,
+                               std::vector<RGBA16>& produced) const {
+    const Layer& layer = visited.layer;
     const RECT bounds{layer.bounds.left, layer.bounds.top, layer.bounds.right, layer.bounds.bottom};
     RECT area{};
-    uint32_t code = 0;
-    uint32_t kind = 0;
     auto mode = static_cast<uint32_t>(layer.kind);
     uint32_t opacity = layer.opacity;
     uint32_t flag = layer.clip ? 1 : 0;
@@ -163,46 +192,29 @@ bool LayerRun::Show(Visited& visited, LayerPosition position) {
     LayerNameBytes name = nameBefore;
     // A folder has no pixels of its own to change.
     const bool skipPixels = visited.isFolder;
-    const bool done = module_.execute(
-        filter_.c_str(), &object_, phase_, position.item, position.layer, 0, produced.data(), &area,
-        layer.pixels.data(), layer.bounds.IsEmpty() ? nullptr : &bounds, skipPixels, &code, &kind,
-        &mode, &opacity, &flag, name.data());
-    const bool resized = sourceWidth_ != document_.width || sourceHeight_ != document_.height;
-    if (showOnly_ || (!done && !resized)) {
-        return false;
+    Answer answer;
+    CopyAttributes(answer.attributes, layer);
+    if (!module_.execute(filter_.c_str(), &object_, phase_, position.item, position.layer, 0,
+                         produced.data(), &area, layer.pixels.data(),
+                         layer.bounds.IsEmpty() ? nullptr : &bounds, skipPixels, &answer.code,
+                         &answer.kind, &mode, &opacity, &flag, name.data())) {
+        answer.code = 0;
+        answer.kind = 0;
+        return answer;
     }
-    if (!done) {
-        Store(layer, std::move(produced), {}, true);
-        return false;
-    }
-    if (code == kRemoveItem) {
-        visited.isRemoved = true;
-        return false;
-    }
-    Layer answered;
-    answered.name = NameFromModule(layer.name, nameBefore, name);
-    visited.isPlain = kind == 1 || (WorksOnMergedImage(filter_, object_) && !IsEmpty(area));
-    if (!visited.isPlain) {
-        answered.opacity = std::min(opacity, 100U);
-        answered.kind = KindOf(mode);
-        answered.clip = flag == 1;
-        answered.visible = layer.visible;
-    }
-    if (code == kNewLayer) {
-        Store(visited.above.emplace_back(std::move(answered)), std::move(produced), area, true);
-        return true;
-    }
-    CopyAttributes(layer, answered);
-    Store(layer, std::move(produced), area, resized || visited.isPlain);
-    return false;
+    answer.area = ClipToImage({area.left, area.top, area.right, area.bottom}, document_.width,
+                              document_.height);
+    answer.attributes.name = NameFromModule(layer.name, nameBefore, name);
+    answer.attributes.opacity = std::min(opacity, 100U);
+    answer.attributes.kind = KindOf(mode);
+    answer.attributes.clip = flag == 1;
+    return answer;
 }
 
 /// Takes the written area of what the filter produced into a layer; into an empty one when it is
 /// to hold nothing else.
-void LayerRun::Store(Layer& layer, std::vector<RGBA16> produced, const RECT& area,
+void LayerRun::Store(Layer& layer, std::vector<RGBA16> produced, PixelRect written,
                      bool fresh) const {
-    const PixelRect written = ClipToImage({area.left, area.top, area.right, area.bottom},
-                                          document_.width, document_.height);
     if (written == PixelRect{0, 0, document_.width, document_.height}) {
         layer.pixels = std::move(produced);
     } else {

@@ -39,12 +39,21 @@ class LayerRun {
         std::vector<Layer> above{};  ///< new layers, topmost first
     };
 
+    /// What the filter answered for one layer, made safe.
+    struct Answer {
+        uint32_t code = 0;
+        uint32_t kind = 0;
+        PixelRect area;    ///< written, inside the image
+        Layer attributes;  ///< without pixels
+    };
+
     bool BeginPhase(int phase);
     void VisitItems();
     void VisitFolder(Folder& folder, int32_t item);
     void Visit(Visited& visited, LayerPosition position);
     bool Show(Visited& visited, LayerPosition position);
-    void Store(Layer& layer, std::vector<RGBA16> produced, const RECT& area, bool fresh) const;
+    Answer Ask(const Visited& visited, LayerPosition position, std::vector<RGBA16>& produced) const;
+    void Store(Layer& layer, std::vector<RGBA16> produced, PixelRect written, bool fresh) const;
     Visited StandInFor(Folder& folder) const;
 
     const Module& module_;
