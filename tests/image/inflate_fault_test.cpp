@@ -88,7 +88,7 @@ Bytes FlaggedA(uint32_t flags, const std::vector<uint32_t>& fields) {
 }
 
 const FaultCase kFaultCases[] = {
-    {"other signature", BitWriter().Number(0xFB41, 16).Number(0, 80), 0, "ファイル読み込みエラー"},
+    {"other signature", Bytes(12), 0, "ファイル読み込みエラー"},
     {"flags of 8", FlaggedA(8, {}), 0, "ファイル読み込みエラー"},
     {"password", FlaggedA(3, {1, 2}), 0, "パスワードが必要", Suffix::Always},
     {"checksum", FlaggedA(5, {0xD3D99E8A}), 1, "CRCエラー", Suffix::Always},
