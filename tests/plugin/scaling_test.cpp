@@ -8,196 +8,124 @@
 namespace imgbasic {
 namespace {
 
-constexpr RECT kUntouched{-7, -7, -7, -7};
-constexpr RGBA16 kGuard{1, 2, 3, 4};
-
-int applied = 0;
-
-bool Agree() {
-    ++applied;
-    return true;
-}
-
-bool Refuse() {
-    return false;
-}
-
 TEST(Scaling, ComputesTheSizeFromThePercentagesWithoutADialog) {
     struct Case {
-        int32_t size;
-        int32_t percent;
-        int32_t expected;
+        int32_t size, percent, expected;
     };
-    constexpr Case kCases[] = {
-        {3, 50, 1},          {3, 10, 1},
-        {3, 100, 3},         {5000, 200, 8192},
-        {100, -50, 1},       {4000, 819200, 1},  // 3276800000 wraps below zero
-        {65536, 65537, 655},                     // 2^32 + 65536 wraps to 65536
-        {INT_MIN, -1, 1},    {INT_MAX, INT_MAX, 1},
-        {10000, 100, 8192},
-    };
+    constexpr Case kCases[] =
+        {
+            {3, 50, 1},          {3, 10, 1},       {3, 100, 3},        {5000, 200, 8192},
+            {100, -50, 1},       {INT_MIN, -1, 1}, {10000, 100, 8192}, {4000, 819200, 1},
+            {65536, 65537, 655},  // wraps to 65536, as the one before to a negative number
+        };
     for (const Case& c : kCases) {
-        SCOPED_TRACE(testing::Message() << c.size << " at " << c.percent << " %");
         ScalingImageProcess scaling;
         scaling.width = c.size;
         scaling.height = 7;
         scaling.skipDialog = true;
+        EXPECT_EQ(scaling.Dialog([] { return false; }), 0);
+        EXPECT_EQ(scaling.newWidth, 0) << "the percentages are not asked";
         scaling.RatioSize = true;
         scaling.RatioWidth = c.percent;
         scaling.RatioHeight = 300;
-        applied = 0;
-        EXPECT_EQ(scaling.Dialog(Agree), 1);
-        EXPECT_EQ(applied, 1);
-        EXPECT_EQ(scaling.newWidth, c.expected);
+        EXPECT_EQ(scaling.Dialog([] { return true; }), 1);
+        EXPECT_EQ(scaling.newWidth, c.expected) << c.size << " at " << c.percent << " %";
         EXPECT_EQ(scaling.newHeight, 21);
     }
-    ScalingImageProcess absolute;
-    absolute.skipDialog = true;
-    absolute.newWidth = 9;
-    absolute.RatioWidth = 300;
-    EXPECT_EQ(absolute.Dialog(Refuse), 0);
-    EXPECT_EQ(absolute.newWidth, 9) << "the percentages are not asked";
 }
 
-TEST(Scaling, PhaseAnnouncesOnlyAnotherSize) {
-    struct Case {
-        int32_t newWidth;
-        int32_t newHeight;
-        int result;
-        uint32_t width;
-        uint32_t height;
-    };
-    constexpr Case kCases[] = {
-        {0, 0, -1, 77, 77}, {30, 20, -1, 77, 77}, {31, 20, 1, 31, 20},
-        {30, 1, 1, 30, 1},  {15, 0, 1, 15, 20},
-    };
-    for (const Case& c : kCases) {
-        ScalingImageProcess scaling;
-        scaling.width = 30;
-        scaling.height = 20;
-        scaling.newWidth = c.newWidth;
-        scaling.newHeight = c.newHeight;
-        uint32_t width = 77;
-        uint32_t height = 77;
-        EXPECT_EQ(scaling.Phase(0, &width, &height, nullptr, 0, 0, nullptr), c.result);
-        EXPECT_EQ(width, c.width);
-        EXPECT_EQ(height, c.height);
-    }
-    ScalingImageProcess batch;
-    EXPECT_EQ(batch.BatchPrepare(), 1);
-    EXPECT_EQ(batch.width, 512);
-    EXPECT_EQ(batch.Phase(0, nullptr, nullptr, nullptr, 0, 0, nullptr), -1);
-}
-
-TEST(Scaling, AdjustsBrushesOnRequestAndPointsAlways) {
-    ScalingImageProcess scaling;
-    scaling.width = 4;
-    scaling.height = 3;
-    scaling.newWidth = 10;
-    scaling.newHeight = 1;
-    for (const bool changeBrush : {true, false}) {
-        scaling.ChangeBrush = changeBrush;
-        double scaleX = 5;
-        double scaleY = 6;
-        ImageProcess& base = scaling;
-        base.AdjustScale(0, 0, &scaleX, &scaleY);
-        EXPECT_EQ(scaleX, changeBrush ? 2.5 : 5);
-        EXPECT_EQ(scaleY, changeBrush ? 1.0 / 3 : 6);
-        double x = 1.5;
-        double y = 0.1;
-        EXPECT_TRUE(scaling.AdjustLocate(0, 9, 9, &x, &y));
-        EXPECT_EQ(x, 3.75);
-        EXPECT_EQ(y, 0.1 / 3);
-    }
-    scaling.ChangeBrush = true;
-    scaling.AdjustScale(0, 0, nullptr, nullptr);
-    EXPECT_TRUE(scaling.AdjustLocate(0, 0, 0, nullptr, nullptr));
-}
-
+/// An opaque and a clear pixel, 2 x 1, to 4 x 1.
 struct ScalingRun {
     ScalingImageProcess scaling;
-    std::vector<RGBA16> src;
-    std::vector<RGBA16> dst;
+    std::vector<RGBA16> src{{100, 200, 300, 0xFF00}, {}};
+    std::vector<RGBA16> dst = std::vector<RGBA16>(4, RGBA16{1, 2, 3, 4});
     RECT area{0, 0, 2, 1};
-    RECT outRect = kUntouched;
+    RECT outRect{-7, -7, -7, -7};
     ExecuteArgs args{};
 
-    /// An opaque and a clear pixel, to 4 x 1.
-    ScalingRun() : src{{100, 200, 300, 0xFF00}, {0, 0, 0, 0}}, dst(4, kGuard) {
+    ScalingRun() {
         scaling.width = 2;
         scaling.height = 1;
         scaling.newWidth = 4;
-        scaling.newHeight = 1;
         args.dst = dst.data();
         args.outRect = &outRect;
         args.src = src.data();
         args.inRect = &area;
     }
 
-    bool Reported() const {
-        return outRect.left == 0 && outRect.top == 0 && outRect.right == 4 && outRect.bottom == 1;
-    }
-    uint16_t Alpha(size_t i) const { return dst[i].a; }
+    std::vector<int> Alphas() const { return {dst[0].a, dst[1].a, dst[2].a, dst[3].a}; }
 };
+
+TEST(Scaling, AnnouncesAnotherSizeAndAdjustsToIt) {
+    ScalingRun run;
+    uint32_t width = 0;
+    uint32_t height = 0;
+    EXPECT_EQ(run.scaling.Phase(0, &width, &height, nullptr, 0, 0, nullptr), 1);
+    EXPECT_EQ(width, 4U);
+    EXPECT_EQ(height, 1U) << "the source's while it is not set";
+    for (const bool changeBrush : {true, false}) {
+        run.scaling.ChangeBrush = changeBrush;
+        double scale = 5;
+        double x = 1.5;
+        static_cast<ImageProcess&>(run.scaling).AdjustScale(0, 0, &scale, nullptr);
+        EXPECT_EQ(scale, changeBrush ? 2 : 5);
+        EXPECT_TRUE(run.scaling.AdjustLocate(0, 9, 9, &x, nullptr));
+        EXPECT_EQ(x, 3);
+    }
+    run.scaling.newWidth = 2;
+    EXPECT_EQ(run.scaling.Phase(0, &width, &height, nullptr, 0, 0, nullptr), -1);
+    EXPECT_EQ(width, 4U) << "not written";
+    ScalingImageProcess batch;
+    EXPECT_EQ(batch.BatchPrepare(), 1);
+    EXPECT_EQ(batch.ResultWidth(), 512);
+    EXPECT_EQ(batch.Phase(0, nullptr, nullptr, nullptr, 0, 0, nullptr), -1);
+}
 
 TEST(Scaling, DrawsWithTheKernelAndOptionsChosen) {
     struct Case {
-        int32_t interType;
-        int32_t boundary;
+        int32_t interType, boundary;
         bool boundAlpha;
-        uint16_t alphas[4];
+        std::vector<int> alphas;
     };
-    constexpr uint16_t kKept = kGuard.a;
-    // A row alone is at the upper and the lower boundary, too, but always centred on itself.
-    constexpr Case kCases[] = {
-        {0, 0, true, {0xFF00, 0xFF00, kKept, kKept}}, {1, 0, true, {0xFF00, 0xFF00, kKept, kKept}},
-        {2, 0, true, {48960, 48960, 16320, kKept}},   {2, 1, false, {0xFF00, 48960, 16320, kKept}},
-        {2, 1, true, {57600, 48960, 16320, kKept}},   {2, 2, false, {48960, 48960, 16320, 16320}},
-        {3, 0, true, {kKept, kKept, kKept, kKept}},   {-1, 0, true, {kKept, kKept, kKept, kKept}},
+    const Case cases[] = {
+        {0, 0, true, {65280, 65280, 4, 4}},
+        {1, 0, true, {65280, 65280, 4, 4}},
+        {2, 0, true, {48960, 48960, 16320, 4}},
+        {2, 1, false, {65280, 48960, 16320, 4}},
+        {2, 1, true, {57600, 48960, 16320, 4}},
+        {2, 2, false, {48960, 48960, 16320, 16320}},
+        {3, 0, true, {4, 4, 4, 4}},
     };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(testing::Message() << c.interType << ", " << c.boundary);
+    for (const Case& c : cases) {
         ScalingRun run;
         run.scaling.InterType = c.interType;
         run.scaling.BoundaryType = c.boundary;
         run.scaling.BoundAlpha = c.boundAlpha;
+        run.area.right = INT_MAX;
         EXPECT_TRUE(run.scaling.Execute(run.args));
-        EXPECT_TRUE(run.Reported());
-        for (size_t i = 0; i < 4; ++i) {
-            EXPECT_EQ(run.Alpha(i), c.alphas[i]) << i;
-        }
+        EXPECT_EQ(run.outRect.right, 4);
+        EXPECT_EQ(run.Alphas(), c.alphas) << "case " << &c - cases;
     }
 }
 
 TEST(Scaling, ReportsOrSkipsAsAsked) {
-    const std::vector<RGBA16> untouched(4, kGuard);
-    ScalingRun skip;
-    skip.args.skipPixels = true;
-    EXPECT_TRUE(skip.scaling.Execute(skip.args));
-    EXPECT_TRUE(skip.Reported());
-    EXPECT_EQ(skip.dst, untouched);
-
-    ScalingRun noArea;
-    noArea.args.inRect = nullptr;
-    EXPECT_TRUE(noArea.scaling.Execute(noArea.args));
-    EXPECT_EQ(noArea.outRect.left, kUntouched.left);
-    EXPECT_EQ(noArea.dst, untouched);
-
-    ScalingRun hostile;
-    hostile.area = {INT_MIN, INT_MIN, INT_MAX, INT_MAX};
-    hostile.args.outRect = nullptr;
-    hostile.scaling.InterType = 0;
-    EXPECT_TRUE(hostile.scaling.Execute(hostile.args));
-    EXPECT_EQ(hostile.Alpha(1), 0xFF00) << "clipped to the image";
-
-    for (const int32_t broken : {-4, INT_MIN}) {
-        ScalingRun run;
-        run.scaling.newWidth = broken;
-        EXPECT_TRUE(run.scaling.Execute(run.args));
-        run.scaling.width = broken;
-        EXPECT_TRUE(run.scaling.Execute(run.args));
-        EXPECT_EQ(run.dst, untouched);
-    }
+    const std::vector<int> untouched{4, 4, 4, 4};
+    ScalingRun run;
+    run.args.inRect = nullptr;
+    EXPECT_TRUE(run.scaling.Execute(run.args));
+    EXPECT_EQ(run.outRect.right, -7) << "no area, no answer";
+    run.args.inRect = &run.area;
+    run.args.skipPixels = true;
+    EXPECT_TRUE(run.scaling.Execute(run.args));
+    EXPECT_EQ(run.outRect.right, 4);
+    run.args.skipPixels = false;
+    run.args.outRect = nullptr;
+    run.scaling.newWidth = INT_MIN;
+    EXPECT_TRUE(run.scaling.Execute(run.args));
+    run.args.src = nullptr;
+    run.scaling.newWidth = 4;
+    EXPECT_TRUE(run.scaling.Execute(run.args));
+    EXPECT_EQ(run.Alphas(), untouched);
 }
 
 }  // namespace
