@@ -8,6 +8,33 @@
 #include "lib/ui/module_instance.h"
 
 namespace imgbasic {
+namespace {
+
+/// Widens a label that does not hold its text, as happens at some display scales, where the
+/// font's widths and the template's units are not rounded alike.
+BOOL CALLBACK FitLabel(HWND control, LPARAM /*unused*/) {
+    wchar_t text[128];
+    if (GetClassNameW(control, text, 128) == 0 || lstrcmpiW(text, WC_STATICW) != 0) {
+        return TRUE;
+    }
+    const int length = GetWindowTextW(control, text, 128);
+    const HDC context = GetDC(control);
+    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
+    const HGDIOBJ before = SelectObject(context, font);
+    SIZE size{};
+    GetTextExtentPoint32W(context, text, length, &size);
+    SelectObject(context, before);
+    ReleaseDC(control, context);
+    RECT label{};
+    GetClientRect(control, &label);
+    if (size.cx > label.right) {
+        SetWindowPos(control, nullptr, 0, 0, size.cx, label.bottom,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    return TRUE;
+}
+
+}  // namespace
 
 KVWin32DialogItem* KVWin32DialogWindow::FindItem(int id) const {
     for (const auto& item : items_) {
@@ -46,6 +73,7 @@ bool KVWin32DialogWindow::PostCreate(KVWin32WindowCreateInfo* info) {
             record->templateId);
         return false;
     }
+    EnumChildWindows(dialog_, FitLabel, 0);
     for (const auto& item : items_) {
         if (!item->OnInitDialog(this)) {
             return false;
