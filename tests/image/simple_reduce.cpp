@@ -2,20 +2,23 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
+#include <iterator>
+#include <map>
 #include <numeric>
 #include <optional>
 
 namespace imgbasic {
 namespace {
 
-SimpleColor Unpack(uint32_t word) {
-    const auto channel = [&](int c) { return static_cast<int>(word >> (8 * c) & 255); };
-    return channel(3) == 0 ? SimpleColor{}
-                           : SimpleColor{channel(0), channel(1), channel(2), channel(3)};
-}
+using Counts = std::map<SimpleColor, int64_t>;
 
-uint32_t Pack(const SimpleColor& c) {
-    return static_cast<uint32_t>(c[0] | c[1] << 8 | c[2] << 16) | static_cast<uint32_t>(c[3]) << 24;
+SimpleColor Unpack(uint32_t word) {
+    SimpleColor color{};
+    for (size_t c = 0; c < 4 && word >> 24 != 0; ++c) {
+        color[c] = static_cast<int>(word >> (8 * c) & 255);
+    }
+    return color;
 }
 
 SimpleColor Shifted(SimpleColor color, int shift) {
@@ -33,8 +36,6 @@ int Distance(const SimpleColor& a, const SimpleColor& b, size_t channels = 4) {
     return sum;
 }
 
-using Counts = std::map<SimpleColor, int64_t>;
-
 Counts CountColors(const SimpleImage& image, int shift) {
     Counts counts;
     for (const uint32_t pixel : image.pixels) {
@@ -43,37 +44,24 @@ Counts CountColors(const SimpleImage& image, int shift) {
     return counts;
 }
 
+/// A box is known by the colours in it.
 struct Box {
-    SimpleColor min{0, 0, 0, 0};
-    SimpleColor max{255, 255, 255, 255};
-    std::array<std::map<int, int64_t>, 4> levels;
-    int64_t pixels = 0;
+    Counts colors;
     std::array<bool, 4> aside{};
 
-    bool Holds(const SimpleColor& color) const {
-        for (size_t c = 0; c < 4; ++c) {
-            if (color[c] < min[c] || color[c] > max[c]) {
-                return false;
-            }
+    int64_t Pixels() const {
+        int64_t pixels = 0;
+        for (const auto& [color, count] : colors) {
+            pixels += count;
         }
-        return true;
+        return pixels;
     }
-
-    void Measure(const Counts& counts) {
-        levels = {};
-        pixels = 0;
-        for (const auto& [color, count] : counts) {
-            if (Holds(color)) {
-                pixels += count;
-                for (size_t c = 0; c < 4; ++c) {
-                    levels[c][color[c]] += count;
-                }
-            }
+    std::map<int, int64_t> Levels(size_t channel) const {
+        std::map<int, int64_t> levels;
+        for (const auto& [color, count] : colors) {
+            levels[color[channel]] += count;
         }
-        for (size_t c = 0; c < 4; ++c) {
-            min[c] = levels[c].empty() ? 256 : levels[c].begin()->first;
-            max[c] = levels[c].empty() ? -1 : levels[c].rbegin()->first;
-        }
+        return levels;
     }
 };
 
@@ -104,76 +92,75 @@ int LowerEnd(std::map<int, int64_t>& levels, int lo, int hi, int64_t n, int64_t 
 }
 
 std::optional<Cut> FindCut(Box& box, int64_t divisor) {
-    for (;;) {
-        std::optional<size_t> channel;
+    for (const int64_t n = box.Pixels();;) {
+        size_t channel = 4;
+        int lo = 0;
+        int hi = -1;
         for (const size_t c : {3U, 1U, 2U, 0U}) {
-            if (!box.aside[c] &&
-                (!channel || box.max[c] - box.min[c] > box.max[*channel] - box.min[*channel])) {
+            const auto levels = box.Levels(c);
+            if (!box.aside[c] && levels.rbegin()->first - levels.begin()->first > hi - lo) {
                 channel = c;
+                lo = levels.begin()->first;
+                hi = levels.rbegin()->first;
             }
         }
-        if (!channel || box.max[*channel] - box.min[*channel] < 1) {
+        if (hi - lo < 1) {
             return std::nullopt;
         }
-        auto& levels = box.levels[*channel];
-        const int lo = box.min[*channel];
-        const int end = LowerEnd(levels, lo, box.max[*channel], box.pixels, box.pixels / divisor);
+        auto levels = box.Levels(channel);
+        const int end = LowerEnd(levels, lo, hi, n, n / divisor);
         int64_t lower = 0;
         for (int v = lo; v <= end; ++v) {
             lower += levels[v];
         }
-        if (end >= lo && lower > 1 && box.pixels - lower > 1) {
-            return Cut{*channel, end};
+        if (end >= lo && lower > 1 && n - lower > 1) {
+            return Cut{channel, end};
         }
-        box.aside[*channel] = true;
+        box.aside[channel] = true;
     }
 }
 
-void Split(std::vector<Box>& boxes, size_t old, Cut cut, const Counts& coarse) {
-    Box upper = boxes[old];
-    upper.aside = {};
-    upper.min[cut.channel] = cut.end + 1;
-    boxes[old].max[cut.channel] = cut.end;
-    boxes[old].Measure(coarse);
-    upper.Measure(coarse);
+void Split(std::vector<Box>& boxes, size_t old, Cut cut) {
+    Box upper;
+    for (const auto& [color, count] : boxes[old].colors) {
+        if (color[cut.channel] > cut.end) {
+            upper.colors[color] = count;
+        }
+    }
+    for (const auto& [color, count] : upper.colors) {
+        boxes[old].colors.erase(color);
+    }
     boxes.push_back(upper);
 }
 
 /// The boxes and, in `order`, their numbers in the order in which they give colours.
 std::vector<Box> MakeBoxes(const Counts& coarse, int levels, std::vector<size_t>& order) {
-    std::vector<Box> boxes(1);
-    boxes[0].Measure(coarse);
-    if (boxes[0].min[3] == 0 && boxes[0].max[3] >= 1) {
-        Split(boxes, 0, {3, 0}, coarse);
-    }
-    const Box& last = boxes.back();
-    if (last.max[3] == levels - 1 && last.min[3] != levels - 1) {
-        Split(boxes, boxes.size() - 1, {3, levels - 2}, coarse);
+    std::vector<Box> boxes{{coarse}};
+    for (const int end : {0, levels - 2}) {  // transparent, then opaque pixels apart
+        const auto alphas = boxes.back().Levels(3);
+        if (alphas.begin()->first <= end && alphas.rbegin()->first > end) {
+            Split(boxes, boxes.size() - 1, {3, end});
+        }
     }
     order.resize(boxes.size());
     std::iota(order.begin(), order.end(), 0);
-    const auto sort = [&] {
-        std::stable_sort(order.begin(), order.end(),
-                         [&](size_t a, size_t b) { return boxes[a].pixels > boxes[b].pixels; });
-    };
-    sort();
+    const auto larger = [&](size_t a, size_t b) { return boxes[a].Pixels() > boxes[b].Pixels(); };
+    std::ranges::stable_sort(order, larger);
     int64_t divisor = 4;
-    for (int idle = 0;;) {
+    for (int idle = 0; idle < 4;) {
         const size_t before = boxes.size();
         for (const size_t number : std::vector<size_t>(order)) {
             if (const auto cut = FindCut(boxes[number], divisor)) {
                 order.push_back(boxes.size());
-                Split(boxes, number, *cut, coarse);
+                Split(boxes, number, *cut);
                 if (boxes.size() == 256) {
                     return boxes;
                 }
             }
         }
         if (boxes.size() > before) {
-            sort();
+            std::ranges::stable_sort(order, larger);
             idle = 0;
-        } else if (idle > 2) {
-            return boxes;
         } else {
             ++idle;
             divisor = std::min(divisor * 2, int64_t{1} << 40);
@@ -182,61 +169,48 @@ std::vector<Box> MakeBoxes(const Counts& coarse, int levels, std::vector<size_t>
             }
         }
     }
+    return boxes;
 }
 
-struct Sum {
-    std::array<int64_t, 4> total{};
-    int64_t count = 0;
-
-    void Add(const SimpleColor& color, int64_t pixels) {
-        for (size_t c = 0; c < 4; ++c) {
-            total[c] += color[c] * pixels;
-        }
-        count += pixels;
-    }
-    SimpleColor Mean() const {
-        SimpleColor mean{};
-        for (size_t c = 0; c < 4; ++c) {
-            mean[c] = static_cast<int>((total[c] + count / 2) / count);
-        }
-        return mean;
-    }
-};
-
-bool AddNew(SimplePalette& palette, const SimpleColor& color) {
-    const bool isNew = std::find(palette.begin(), palette.end(), color) == palette.end();
-    if (isNew) {
-        palette.push_back(color);
-    }
-    return isNew;
+/// 1 when the colour was not there yet.
+int AddNew(SimplePalette& palette, const SimpleColor& color) {
+    const bool isNew = std::ranges::find(palette, color) == palette.end();
+    palette.insert(palette.end(), isNew ? 1 : 0, color);
+    return isNew ? 1 : 0;
 }
 
 void AddCandidates(SimplePalette& palette, const Box& box, const Counts& colors, int shift,
                    int& spare) {
     Counts own;
-    Counts fine;
-    for (const auto& [color, count] : colors) {
-        if (box.Holds(Shifted(color, shift))) {
-            own[color] = count;
-            fine[Shifted(color, shift - 1)] += count;
-        }
-    }
     Box second;
-    second.Measure(fine);
-    const auto cut = FindCut(second, 4);
-    Sum all;
-    Sum lower;
-    Sum upper;
-    for (const auto& [color, count] : own) {
-        all.Add(color, count);
-        if (cut) {
-            (color[cut->channel] >> (shift - 1) <= cut->end ? lower : upper).Add(color, count);
+    for (const auto& [color, count] : colors) {
+        if (box.colors.contains(Shifted(color, shift))) {
+            own[color] = count;
+            second.colors[Shifted(color, shift - 1)] += count;
         }
     }
-    if (spare >= 1 && lower.count > 0 && upper.count > 0) {
-        spare += 1 - AddNew(palette, lower.Mean()) - AddNew(palette, upper.Mean());
-    } else if (!AddNew(palette, all.Mean())) {
-        ++spare;
+    const auto cut = FindCut(second, 4);
+    const auto mean = [&](auto&& belongs) {
+        SimpleColor result{};
+        for (size_t c = 0; c < 4; ++c) {
+            int64_t sum = 0;
+            int64_t n = 0;
+            for (const auto& [color, count] : own) {
+                sum += belongs(color) ? color[c] * count : 0;
+                n += belongs(color) ? count : 0;
+            }
+            result[c] = static_cast<int>((sum + n / 2) / n);
+        }
+        return result;
+    };
+    const auto lower = [&](const SimpleColor& color) {
+        return color[cut->channel] >> (shift - 1) <= cut->end;
+    };
+    if (spare >= 1 && cut) {
+        const int added = AddNew(palette, mean(lower));
+        spare += 1 - added - AddNew(palette, mean(std::not_fn(lower)));
+    } else {
+        spare += 1 - AddNew(palette, mean([](const SimpleColor&) { return true; }));
     }
 }
 
@@ -244,32 +218,101 @@ void Thin(SimplePalette& palette, size_t limit) {
     const size_t n = palette.size();
     std::vector<size_t> order(n);
     std::iota(order.begin(), order.end(), 0);
-    std::vector<int> nearest(n, -1);
+    std::vector<size_t> nearest(n, n);  // n: not known
     std::vector<int> distance(n);
     const auto gray = [&](size_t i) { return Distance(palette[i], {127, 127, 127, 127}); };
     while (order.size() > limit) {
         for (size_t i = 0; i < n; ++i) {
-            for (size_t j = 0, open = nearest[i] == -1; open != 0 && j < n; ++j) {
+            for (size_t j = 0, end = nearest[i] == n ? n : 0; j < end; ++j) {
                 const int d = Distance(palette[i], palette[j]);
-                if (i != j && (nearest[i] == -1 || d < distance[i])) {
-                    nearest[i] = static_cast<int>(j);
+                if (i != j && (nearest[i] == n || d < distance[i])) {
+                    nearest[i] = j;
                     distance[i] = d;
                 }
             }
         }
-        std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        std::ranges::stable_sort(order, [&](size_t a, size_t b) {
             return distance[a] != distance[b] ? distance[a] > distance[b] : gray(a) > gray(b);
         });
-        std::replace(nearest.begin(), nearest.end(), static_cast<int>(order.back()), -1);
+        std::ranges::replace(nearest, order.back(), n);
         order.pop_back();
     }
-    std::sort(order.begin(), order.end());
     SimplePalette kept;
-    for (const size_t i : order) {
-        kept.push_back(palette[i]);
-    }
+    std::ranges::sort(order);
+    std::ranges::transform(order, std::back_inserter(kept), [&](size_t i) { return palette[i]; });
     palette = kept;
 }
+
+int Apart(int cell, int other) {
+    int apart = 0;
+    for (int bit = 0; bit < 12; bit += 3) {
+        apart = std::max(apart, std::abs((cell >> bit & 7) - (other >> bit & 7)));
+    }
+    return apart;
+}
+
+class Nearest {
+  public:
+    explicit Nearest(const SimplePalette& palette) : palette_(palette) {
+        for (size_t i = 0; i < palette.size(); ++i) {
+            cells_[full_ ? 0 : CellOf(palette[i])].push_back(i);
+        }
+    }
+
+    size_t operator()(const SimpleColor& query) {
+        const int cell = full_ ? 0 : CellOf(query);
+        auto& list = lists_[cell];
+        if (list.empty()) {
+            list = Candidates(cell);
+        }
+        const size_t channels = translucent_ || (full_ && transparent_) ? 4 : 3;
+        size_t best = 0;
+        std::array<int, 3> bestRank{0x7FFFFFFF, 0x7FFFFFFF, 0x7FFFFFFF};
+        for (const size_t i : list) {
+            const SimpleColor& entry = palette_[i];
+            int spread = 0;
+            for (size_t c = 0; c < 4; ++c) {
+                spread += std::abs(query[c] - entry[c]);
+            }
+            const int alpha = transparent_ && !translucent_ ? std::abs(query[3] - entry[3]) : 0;
+            const std::array<int, 3> rank{alpha, Distance(query, entry, channels), spread};
+            if (rank < bestRank) {
+                best = i;
+                bestRank = rank;
+                if (rank[1] == 0) {
+                    break;
+                }
+            }
+        }
+        return best;
+    }
+
+  private:
+    static int CellOf(const SimpleColor& c) {
+        return c[3] >> 5 << 9 | c[2] >> 5 << 6 | c[1] >> 5 << 3 | c[0] >> 5;
+    }
+    std::vector<size_t> Candidates(int cell) {
+        std::vector<size_t> list = cells_[cell];
+        for (int radius = 1; list.empty() || radius == 1; ++radius) {
+            for (const auto& [other, entries] : cells_) {
+                if (other != cell && Apart(cell, other) <= radius) {
+                    list.insert(list.end(), entries.begin(), entries.end());
+                }
+            }
+        }
+        return list;
+    }
+    bool Has(bool (*predicate)(const SimpleColor&)) const {
+        return std::ranges::any_of(palette_, predicate);
+    }
+
+    const SimplePalette& palette_;
+    bool full_ = palette_.size() < 17;
+    bool transparent_ = Has([](const SimpleColor& color) { return color[3] == 0; });
+    bool translucent_ = Has([](const SimpleColor& color) { return color[3] % 255 != 0; });
+    std::map<int, std::vector<size_t>> cells_;
+    std::map<int, std::vector<size_t>> lists_;
+};
 
 constexpr int kMatrices[9][4][4] = {
     {},
@@ -282,51 +325,42 @@ constexpr int kMatrices[9][4][4] = {
     {{0, 68, 17, 87}, {102, 34, 119, 51}, {25, 93, 8, 76}, {127, 59, 110, 42}},
     {{0, 136, 34, 170}, {204, 68, 238, 102}, {51, 187, 17, 153}, {255, 119, 221, 85}}};
 
-int Ordered(SimpleNearest& nearest, const SimplePalette& palette, SimpleColor color, size_t x,
-            size_t y) {
-    const int k = nearest(color);
-    const SimpleColor flat = color;
+SimpleColor Ordered(const SimpleColor& color, const SimpleColor& entry, size_t x, size_t y) {
+    SimpleColor dithered = color;
     for (size_t c = 0; c < 4; ++c) {
-        const int d = std::abs(color[c] - palette[static_cast<size_t>(k)][c]);
         int n = 0;
-        while (d >> n != 0) {
+        while (std::abs(color[c] - entry[c]) >> n != 0) {
             ++n;
         }
-        if (n != 0) {
-            color[c] = std::clamp(color[c] + kMatrices[n][y % 4][x % 4] - (1 << (n - 1)), 0, 255);
-        }
+        const int half = n == 0 ? 0 : 1 << (n - 1);
+        dithered[c] = std::clamp(color[c] + kMatrices[n][y % 4][x % 4] - half, 0, 255);
     }
-    return color != flat ? nearest(color) : k;
+    return dithered;
 }
 
-void Diffuse(SimpleNearest& nearest, const SimplePalette& palette, const SimpleImage& image,
+void Diffuse(Nearest& nearest, const SimplePalette& palette, const SimpleImage& image,
              bool accumulate, std::vector<uint8_t>& indices) {
-    const int w = image.width;
-    std::vector<SimpleColor> above(static_cast<size_t>(w));
-    for (int y = 0; y < image.height; ++y) {
-        std::vector<SimpleColor> errors(static_cast<size_t>(w));
-        const int step = y % 2 == 0 ? 1 : -1;
-        for (int i = 0; i < w; ++i) {
-            const int x = step > 0 ? i : w - 1 - i;
-            const auto at = [&](const std::vector<SimpleColor>& row, int column, size_t c) {
-                return column < 0 || column >= w ? 0 : row[static_cast<size_t>(column)][c];
-            };
-            const auto pixel =
-                static_cast<size_t>(y) * static_cast<size_t>(w) + static_cast<size_t>(x);
+    const auto width = static_cast<size_t>(image.width);
+    std::vector<SimpleColor> above(width + 2);  // a zero in front and behind
+    for (size_t y = 0; y * width < indices.size(); ++y) {
+        std::vector<SimpleColor> errors(width + 2);
+        const size_t step = y % 2 == 0 ? 1 : static_cast<size_t>(-1);
+        size_t x = y % 2 == 0 ? 1 : width;
+        for (size_t i = 0; i < width; ++i, x += step) {
+            const size_t pixel = y * width + x - 1;
             const SimpleColor q = Unpack(image.pixels[pixel]);
             SimpleColor v = q;
             for (size_t c = 0; c < 4; ++c) {
-                v[c] += (5 * at(above, x, c)) >> 4;
-                v[c] += (7 * at(errors, x - step, c)) >> 4;
-                v[c] += (3 * at(above, x - step, c)) >> 4;
-                v[c] += at(above, x + step, c) >> 4;
+                v[c] += (5 * above[x][c]) >> 4;
+                v[c] += (7 * errors[x - step][c]) >> 4;
+                v[c] += (3 * above[x - step][c]) >> 4;
+                v[c] += above[x + step][c] >> 4;
                 v[c] = std::clamp(v[c], 0, 255);
             }
-            const int k = nearest(v);
+            const size_t k = nearest(v);
             indices[pixel] = static_cast<uint8_t>(k);
             for (size_t c = 0; c < 4; ++c) {
-                errors[static_cast<size_t>(x)][c] =
-                    (accumulate ? v : q)[c] - palette[static_cast<size_t>(k)][c];
+                errors[x][c] = (accumulate ? v : q)[c] - palette[k][c];
             }
         }
         above = errors;
@@ -364,107 +398,36 @@ SimplePalette SimpleQuantize(const SimpleImage& image, int countSpec) {
 }
 
 SimplePalette SimpleGraduate(const SimpleImage& image, int target) {
-    const int bounded = std::max(target, 1);
     SimpleImage copy = image;
     SimplePalette palette = SimpleQuantize(copy, -256);
-    while (palette.size() > static_cast<size_t>(bounded)) {
+    while (static_cast<int>(palette.size()) > target) {
         const auto indices = SimpleMap(palette, image, 0);
         for (size_t i = 0; i < indices.size(); ++i) {
-            copy.pixels[i] = Pack(palette[indices[i]]);
+            const SimpleColor& c = palette[indices[i]];
+            copy.pixels[i] = static_cast<uint32_t>(c[3]) << 24 |
+                             static_cast<uint32_t>(c[2] << 16 | c[1] << 8 | c[0]);
         }
-        palette = SimpleQuantize(copy, -std::max(static_cast<int>(palette.size()) / 2, bounded));
+        palette = SimpleQuantize(copy, -std::max(static_cast<int>(palette.size()) / 2, target));
     }
     return palette;
 }
 
-SimpleNearest::SimpleNearest(const SimplePalette& palette) : palette_(palette) {
-    const auto has = [&](auto&& predicate) {
-        return std::any_of(palette.begin(), palette.end(),
-                           [&](const SimpleColor& color) { return predicate(color[3]); });
-    };
-    alphaMode_ = has([](int a) { return a != 0 && a != 255; }) ? 1
-                 : has([](int a) { return a == 0; })           ? -1
-                                                               : 0;
-    for (size_t i = 0; i < palette.size(); ++i) {
-        const SimpleColor cell = Shifted(palette[i], 5);
-        own_[cell[3] << 9 | cell[2] << 6 | cell[1] << 3 | cell[0]].push_back(static_cast<int>(i));
-    }
-}
-
-std::vector<int> SimpleNearest::Candidates(int cell) const {
-    std::vector<int> list;
-    if (const auto own = own_.find(cell); own != own_.end()) {
-        list = own->second;
-    }
-    for (int radius = 1; list.empty() || radius == 1; ++radius) {
-        for (const auto& [other, entries] : own_) {
-            const auto apart = [other = other, cell](int bit) {
-                return std::abs((other >> bit & 7) - (cell >> bit & 7));
-            };
-            if (other != cell && std::max({apart(0), apart(3), apart(6), apart(9)}) <= radius) {
-                list.insert(list.end(), entries.begin(), entries.end());
-            }
-        }
-    }
-    return list;
-}
-
-int SimpleNearest::operator()(const SimpleColor& query) {
-    const bool full = palette_.size() < 17;
-    const SimpleColor top = Shifted(query, 5);
-    const int cell = full ? 0 : top[3] << 9 | top[2] << 6 | top[1] << 3 | top[0];
-    auto& list = lists_[cell];
-    if (list.empty() && full) {
-        list.resize(palette_.size());
-        std::iota(list.begin(), list.end(), 0);
-    } else if (list.empty()) {
-        list = Candidates(cell);
-    }
-    const size_t channels = alphaMode_ == 1 || (full && alphaMode_ == -1) ? 4 : 3;
-    int best = -1;
-    int bestD = 0x7FFFFFFF;
-    int bestA = 0x7FFFFFFF;
-    const auto spread = [&](int i) {
-        int sum = 0;
-        for (size_t c = 0; c < 4; ++c) {
-            sum += std::abs(query[c] - palette_[static_cast<size_t>(i)][c]);
-        }
-        return sum;
-    };
-    for (const int i : list) {
-        const SimpleColor& entry = palette_[static_cast<size_t>(i)];
-        const int d = Distance(query, entry, channels);
-        const int a = std::abs(query[3] - entry[3]);
-        if (alphaMode_ == -1 && a > bestA) {
-            continue;
-        }
-        if ((alphaMode_ == -1 && a < bestA) || d < bestD ||
-            (d == bestD && spread(i) < spread(best))) {
-            best = i;
-            bestD = d;
-            bestA = a;
-            if (d == 0) {
-                break;
-            }
-        }
-    }
-    return best;
-}
-
 std::vector<uint8_t> SimpleMap(const SimplePalette& palette, const SimpleImage& image,
                                int ditherType) {
-    SimpleNearest nearest(palette);
+    Nearest nearest(palette);
     std::vector<uint8_t> indices(image.pixels.size());
     if (ditherType >= 2) {
         Diffuse(nearest, palette, image, ditherType == 3, indices);
         return indices;
     }
-    const auto width = static_cast<size_t>(image.width);
     for (size_t i = 0; i < indices.size(); ++i) {
+        const auto width = static_cast<size_t>(image.width);
         const SimpleColor color = Unpack(image.pixels[i]);
-        indices[i] = static_cast<uint8_t>(
-            ditherType == 0 ? nearest(color)
-                            : Ordered(nearest, palette, color, i % width, i / width));
+        size_t k = nearest(color);
+        if (ditherType == 1) {
+            k = nearest(Ordered(color, palette[k], i % width, i / width));
+        }
+        indices[i] = static_cast<uint8_t>(k);
     }
     return indices;
 }
