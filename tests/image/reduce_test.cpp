@@ -117,16 +117,25 @@ TEST(Reduce, EqualsTheStepByStepForm) {
     }
 }
 
-// Palettes that no image of ours gives: equal entries, all kinds of alpha in a few places.
+// Palettes that no image of ours gives: equal entries; all kinds of alpha close together;
+// transparent entries far from all opaque ones, which may hide a closer alpha.
 TEST(Reduce, FindsTheNearestInAnyPalette) {
     for (uint32_t seed = 0; seed < 300; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
-        const uint32_t mask =
-            (seed % 2 == 0 ? 0x001F1F1FU : 0x00FFFFFFU) | (seed % 3 == 0 ? 0xFF000000 : 0);
-        const auto color = [&] {
-            const uint32_t alpha = seed % 3 == 1 || random() % 2 == 0 ? 0xFF000000 : 0;
-            return (static_cast<uint32_t>(random()) & mask) | (seed % 3 == 0 ? 0 : alpha);
+        const auto word = [&] { return static_cast<uint32_t>(random()); };
+        const auto color = [&]() -> uint32_t {
+            const uint32_t rgb = word() & (seed % 2 == 0 ? 0x1F1F1F : 0xFFFFFF);
+            switch (seed % 5) {
+                case 0:
+                    return rgb | word() << 24;
+                case 1:
+                    return rgb | 0xFF000000;
+                case 2:
+                    return word() % 4 == 0 ? rgb & 0x1F1F1F : rgb | 0xFFE0E0E0;
+                default:
+                    return word() % 2 == 0 ? rgb : rgb | 0xFF000000;
+            }
         };
         ReducePalette palette;
         for (uint32_t i = 0; i < 1 + seed * 7 % 256; ++i) {
@@ -134,14 +143,15 @@ TEST(Reduce, FindsTheNearestInAnyPalette) {
         }
         FinishPalette(palette);
         SimpleImage image{64, 32, std::vector<uint32_t>(64 * 32)};
-        std::ranges::generate(image.pixels, [&] {
-            return random() % 4 == 0 ? static_cast<uint32_t>(random()) : color();
-        });
+        for (uint32_t& pixel : image.pixels) {
+            const uint32_t entry = palette.entries[word() % palette.entries.size()].Word();
+            pixel = word() % 3 == 0 ? word() : (entry & 0xFFFFFF) | (word() | 1) << 24;
+        }
         KVBitmap bitmap(image.width, image.height);
         const auto expected = SimpleMap(Simple(palette), image, NoDither);
         ExpectEqualMapping(palette, *Fill(bitmap, image), NoDither, expected);
         for (size_t i = 0; i < expected.size(); ++i) {
-            const uint32_t pixel = image.pixels[i] >> 24 == 0 ? 0 : image.pixels[i];
+            const uint32_t pixel = VisibleColor(image.pixels[i]);
             ASSERT_EQ(palette.Grid() != nullptr ? FindNearestInGrid(palette, pixel)
                                                 : FindNearest(palette, pixel),
                       expected[i]);
