@@ -18,7 +18,7 @@ __m128i Share(__m128i error, short weight) {
 void MapDiffusedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* indices,
                         size_t width, ptrdiff_t step, ErrorRows errors, bool accumulate) {
     const NearestTables& tables = lookup.Tables();
-    const __m128i mask = ChannelLanes(tables.colorMask);
+    const __m256i mask = LaneMask(tables);
     const __m128i keepColor = _mm_set1_epi16(accumulate ? 0 : -1);
     const ColorError* above = errors.above;
     __m128i previous = _mm_setzero_si128();
@@ -30,12 +30,11 @@ void MapDiffusedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* 
         sum = _mm_add_epi16(sum, Share(LoadError(above[x + step]), 1));
         sum = _mm_add_epi16(sum, Share(previous, 7));
         const __m128i packed = _mm_packus_epi16(sum, sum);
-        const __m128i lanes = _mm_cvtepu8_epi16(packed);
+        const __m128i lanes = ChannelLanes(packed);
         const auto wanted = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
-        const uint8_t index = FindNearestAvx2(lookup, tables, wanted, _mm_and_si128(lanes, mask));
-        indices[x] = index;
-        previous = _mm_sub_epi16(_mm_blendv_epi8(lanes, color, keepColor),
-                                 ChannelLanes(tables.colors[index]));
+        const NearestEntry nearest = FindNearestAvx2(lookup, tables, wanted, lanes, mask);
+        indices[x] = nearest.index;
+        previous = _mm_sub_epi16(_mm_blendv_epi8(lanes, color, keepColor), nearest.lanes);
         _mm_storel_epi64(reinterpret_cast<__m128i*>(errors.current + x), previous);
     }
 }

@@ -19,14 +19,13 @@ __m128i BitWidths(__m128i values) {
 void MapOrderedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* indices,
                        size_t width, const OrderedOffsets& row) {
     const NearestTables& tables = lookup.Tables();
-    const __m128i mask = ChannelLanes(tables.colorMask);
+    const __m256i mask = LaneMask(tables);
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
         const __m128i lanes = ChannelLanes(color);
-        uint8_t index = FindNearestAvx2(lookup, tables, color, _mm_and_si128(lanes, mask));
-        const __m128i nearest = ChannelLanes(tables.colors[index]);
+        NearestEntry nearest = FindNearestAvx2(lookup, tables, color, lanes, mask);
         // The high bytes of the 16-bit lanes stay zero, and so does what they look up.
-        const __m128i bits = BitWidths(_mm_abs_epi16(_mm_sub_epi16(lanes, nearest)));
+        const __m128i bits = BitWidths(_mm_abs_epi16(_mm_sub_epi16(lanes, nearest.lanes)));
         const __m128i offsets = _mm_shuffle_epi8(
             _mm_load_si128(reinterpret_cast<const __m128i*>(row.offsets[x % 4])), bits);
         const __m128i signedOffsets = _mm_srai_epi16(_mm_slli_epi16(offsets, 8), 8);
@@ -34,10 +33,9 @@ void MapOrderedRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* i
         const __m128i packed = _mm_packus_epi16(moved, moved);
         const auto dithered = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
         if (dithered != color) {
-            index = FindNearestAvx2(lookup, tables, dithered,
-                                    _mm_and_si128(_mm_cvtepu8_epi16(packed), mask));
+            nearest = FindNearestAvx2(lookup, tables, dithered, ChannelLanes(packed), mask);
         }
-        indices[x] = index;
+        indices[x] = nearest.index;
     }
 }
 

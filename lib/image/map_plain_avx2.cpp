@@ -6,11 +6,10 @@ namespace imgbasic {
 void MapPlainRowAvx2(NearestLookup& lookup, const uint32_t* pixels, uint8_t* indices,
                      size_t width) {
     const NearestTables& tables = lookup.Tables();
-    const __m128i mask = ChannelLanes(tables.colorMask);
+    const __m256i mask = LaneMask(tables);
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
-        indices[x] =
-            FindNearestAvx2(lookup, tables, color, _mm_and_si128(ChannelLanes(color), mask));
+        indices[x] = FindNearestAvx2(lookup, tables, color, ChannelLanes(color), mask).index;
     }
 }
 

@@ -46,10 +46,10 @@ Reach ReachOf(uint32_t color, uint32_t cell, AlphaMode mode, bool alphaInDistanc
     return reach;
 }
 
-/// Of one cell's blocks; `color` masked.
-uint8_t FindInBlocks(const CandidateBlock* block, uint32_t color) {
-    // Alpha is either a channel like the others or the same everywhere.
-    NearestRule nearest(AlphaMode::Axis, true, color);
+uint8_t FindInBlocks(const CandidateBlock* block, bool alphaInDistance, uint32_t color) {
+    // Which alpha is closer has been sorted out: it is the same in all entries, or a channel
+    // like the others.
+    NearestRule nearest(AlphaMode::Axis, alphaInDistance, color);
     for (;; ++block) {
         for (uint32_t i = 0; i < block->count; ++i) {
             if (nearest.Compare(block->colors[i], block->indices[i])) {
@@ -93,7 +93,7 @@ uint8_t NearestLookup::Find(uint32_t color) {
     if (cell == NearestTables::kSearchPalette) {
         return FindInPalette(color);
     }
-    return FindInBlocks(tables_.blocks + cell, color & tables_.colorMask);
+    return FindInBlocks(tables_.blocks + cell, alphaInDistance_, color);
 }
 
 uint8_t NearestLookup::FindInPalette(uint32_t color) const {
@@ -148,7 +148,7 @@ uint32_t NearestLookup::AddBlocks(const std::vector<uint8_t>& candidates) {
         for (size_t i = 0; i < kSize; ++i) {
             const uint8_t index = candidates[begin + (i < count ? i : 0)];
             block.indices[i] = index;
-            block.colors[i] = tables_.colors[index] & tables_.colorMask;
+            block.colors[i] = tables_.colors[index];
         }
         block.count = static_cast<uint32_t>(count);
         block.more = begin + kSize < candidates.size();

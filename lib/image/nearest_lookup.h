@@ -14,7 +14,7 @@ namespace imgbasic {
 struct CandidateBlock {
     static constexpr uint32_t kSize = 8;
 
-    uint32_t colors[kSize];  ///< as NearestTables::colorMask leaves them; spare ones as the first
+    uint32_t colors[kSize];  ///< pixel words; spare ones as the first
     uint8_t indices[kSize];  ///< of the palette entries
     uint32_t count;          ///< entries, 1 to kSize
     bool more;               ///< whether another block follows
