@@ -32,16 +32,15 @@ uint32_t Number(const Bytes& stream, size_t offset) {
 
 Bytes InflateByZlib(std::span<const uint8_t> data, uint32_t size) {
     z_stream stream{};
-    Bytes bytes(size + 1);
+    const auto bytes = std::make_unique_for_overwrite<uint8_t[]>(size + 1);
     inflateInit2(&stream, -MAX_WBITS);
     stream.next_in = const_cast<Bytef*>(data.data());
     stream.avail_in = static_cast<uInt>(data.size());
-    stream.next_out = bytes.data();
+    stream.next_out = bytes.get();
     stream.avail_out = size;
     inflate(&stream, Z_FINISH);
-    bytes.resize(size - stream.avail_out);
     inflateEnd(&stream);
-    return bytes;
+    return {bytes.get(), bytes.get() + size - stream.avail_out};
 }
 
 Result Expect(const Bytes& stream) {
@@ -103,17 +102,19 @@ std::string CompareReading(const Result& expected, const Bytes& stream, size_t p
 
 std::string CheckInflate(std::span<const uint8_t> data) {
     Bytes stream(data.begin(), data.end());
+    uint32_t size = 0;
     size_t pieceSize = 1;
     if (stream.size() >= kHeaderSize) {
         stream[0] = 0x41;
         stream[1] = 0xFA;
-        const uint32_t size = Number(stream, 4) & kSizeMask;
+        size = Number(stream, 4) & kSizeMask;
         std::memcpy(&stream[4], &size, sizeof size);
         pieceSize = std::max<size_t>(Number(stream, 8) & kSizeMask, size / 256 + 1);
     }
     const Result expected = Expect(stream);
     const std::string difference = CompareReading(expected, stream, kSizeMask);
-    return difference.empty() ? CompareReading(expected, stream, pieceSize) : difference;
+    return difference.empty() && pieceSize < size ? CompareReading(expected, stream, pieceSize)
+                                                  : difference;
 }
 
 }  // namespace imgbasic
