@@ -40,10 +40,8 @@ class CommandLine : public FileTest {
     }
 
     /// An image of 8 bits a channel.
-    Document WriteImage(const std::string& name, uint32_t seed) const {
-        const Document document = OneLayer(13, 9, 8, RandomDocuments(seed).Pixels(13 * 9, 8));
-        SaveDocument(document, Path(name), {});
-        return document;
+    void WriteImage(const std::string& name, uint32_t seed) const {
+        SaveDocument(OneLayer(13, 9, 8, RandomDocuments(seed).Pixels(13 * 9, 8)), Path(name), {});
     }
 
     std::vector<RGBA16> Pixels(const std::string& name) const {

@@ -125,8 +125,8 @@ const Layer& LayerAt(const Document& document, size_t index) {
 
 class DriverTest : public testing::Test {
   protected:
-    DriverTest() { script = &script_; }
-    ~DriverTest() override {
+    void SetUp() override { script = &script_; }
+    void TearDown() override {
         EXPECT_EQ(script_.disposed, 1) << "every object is disposed of once";
         EXPECT_EQ(Names(document_), Names(SampleDocument())) << "the caller's document stays";
     }
