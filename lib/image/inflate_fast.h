@@ -28,9 +28,8 @@ struct SymbolRun {
 };
 
 /// Decodes symbols as long as input and output have room for the longest of them, which is then
-/// the only thing to check. Everything up to where it stops has been written; up to
-/// kFastOutputRoom bytes after it may have been overwritten, none at or after output.end.
-/// OutputFull and InputEnd do not come from here.
+/// the only thing to check. Bytes between the new output.next and output.end may have been written
+/// to. OutputFull and InputEnd do not come from here.
 SymbolRun DecodeFast(BitReader& reader, InflateOutput& output, const BlockCodes& codes);
 
 }  // namespace imgbasic
