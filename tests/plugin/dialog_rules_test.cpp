@@ -69,18 +69,6 @@ TEST(DialogRules, EndAsCancelledWhenTheHostRefuses) {
     }
 }
 
-TEST(DialogRules, WorkWithoutAHost) {
-    ReduceColorImageProcess reduce;
-    auto options = OptionsOf(reduce);
-    const std::vector<int32_t> shown{256, 0, 2, 1, 1};
-    EXPECT_EQ(CarryOut(Press::Execute, options, shown, nullptr), DialogEnd::Confirmed);
-    EXPECT_EQ(reduce.ReduceColor, 256);
-    EXPECT_EQ(reduce.DitherType, 0);
-    EXPECT_EQ(reduce.TargetType, 2);
-    EXPECT_TRUE(reduce.SharePalette);
-    EXPECT_TRUE(reduce.GraduateReduce);
-}
-
 /// Whether `shown` gets as far as a run of the host.
 template <typename Process>
 bool Accepts(const std::vector<int32_t>& shown) {
@@ -128,23 +116,6 @@ TEST(DialogRules, LinkKeepsTheProportion) {
     EXPECT_EQ(LinkedValue(0, 3, 2), 0);
     EXPECT_EQ(LinkedValue(819200, 1, 819200), INT32_MAX) << "no wrapping around";
     EXPECT_EQ(LinkedValue(7, 0, -1), 7);
-}
-
-TEST(DialogRules, ScalingEnablesWhatCounts) {
-    ScalingOptions options{ScalingImageProcess()};
-    for (const bool ratio : {false, true}) {
-        for (int32_t inter = 0; inter < 3; ++inter) {
-            for (int32_t boundary = 0; boundary < 3; ++boundary) {
-                options.ratioMode = ratio;
-                options.interType = inter;
-                options.boundaryType = boundary;
-                EXPECT_EQ(options.PixelsEnabled(), !ratio);
-                EXPECT_EQ(options.RatiosEnabled(), ratio);
-                EXPECT_EQ(options.BoundaryEnabled(), inter == 2);
-                EXPECT_EQ(options.BoundAlphaEnabled(), inter == 2 && boundary != 0);
-            }
-        }
-    }
 }
 
 struct SizeCase {

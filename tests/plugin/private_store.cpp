@@ -1,11 +1,16 @@
 #include "tests/plugin/private_store.h"
 
+#include <gtest/gtest.h>
+
+#include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <list>
+#include <sstream>
 #include <stdexcept>
-#include <string>
 
 #include "lib/base/platform.h"
-#include "plugin/imgbasic/settings_store.h"
+#include "plugin/imgbasic/settings.h"
 
 #ifndef _WIN32
 #include <unistd.h>
@@ -18,6 +23,10 @@ namespace imgbasic {
 #ifdef _WIN32
 
 namespace {
+
+std::string KeyPath(const char* filter) {
+    return std::string("Software\\orvex\\brelo2\\plugin\\imgbasic\\") + filter;
+}
 
 constexpr char kStandIn[] = "Software\\imgbasic_tests";
 
@@ -46,6 +55,21 @@ const PrivateUser privateUser;
 void ClearPrivateStore() {
     RegDeleteTreeA(HKEY_CURRENT_USER, "Software");
 }
+
+void StoreText(const char* filter, const char* name, const char* text) {
+    EXPECT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, KeyPath(filter).c_str(), name, REG_SZ, text,
+                              static_cast<DWORD>(std::strlen(text)) + 1),
+              ERROR_SUCCESS);
+}
+
+namespace {
+
+bool IsNumber(const char* filter, const char* name) {
+    return RegGetValueA(HKEY_CURRENT_USER, KeyPath(filter).c_str(), name, RRF_RT_REG_DWORD, nullptr,
+                        nullptr, nullptr) == ERROR_SUCCESS;
+}
+
+}  // namespace
 
 #else
 
@@ -81,6 +105,40 @@ void ClearPrivateStore() {
     std::filesystem::remove(PrivateStoreFile());
 }
 
+void StoreText(const char* filter, const char* name, const char* text) {
+    std::ofstream(PrivateStoreFile(), std::ios::app)
+        << "[HKEY_CURRENT_USER\\Software\\orvex\\brelo2\\plugin\\imgbasic\\" << filter << "]\n\""
+        << name << "\"=\"" << text << "\"\n";
+}
+
+namespace {
+
+bool IsNumber(const char* /*filter*/, const char* /*name*/) {
+    return true;  // or the store would not have found it
+}
+
+}  // namespace
+
 #endif
+
+std::string Stored(const char* filter) {
+    std::ostringstream numbers;
+    for (const StoredNumber& value : ListSettings(filter)) {
+        EXPECT_TRUE(IsNumber(filter, value.name)) << value.name;
+        numbers << (numbers.tellp() > 0 ? " " : "") << value.name << '=' << value.number;
+    }
+    return numbers.str();
+}
+
+void Store(const char* filter, const std::string& numbers) {
+    std::istringstream words(numbers);
+    std::list<std::string> names;
+    std::vector<StoredNumber> values;
+    uint32_t number = 0;
+    for (std::string name; std::getline(words >> std::ws, name, '=') && words >> number;) {
+        values.push_back({names.emplace_back(name).c_str(), number});
+    }
+    EXPECT_TRUE(WriteStore(filter, values));
+}
 
 }  // namespace imgbasic

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 #include <thread>
 #include <utility>
 
@@ -87,13 +88,16 @@ bool WithHand(const wchar_t* caption, const std::function<bool()>& open, const S
     return result;
 }
 
-Shown DialogHand::Look() const {
-    Shown shown;
+std::wstring DialogHand::Look() const {
+    std::set<int> ids;
     for (HWND control = GetWindow(dialog_, GW_CHILD); control != nullptr;
          control = GetWindow(control, GW_HWNDNEXT)) {
-        const int id = GetDlgCtrlID(control);
+        ids.insert(GetDlgCtrlID(control));
+    }
+    std::wstring shown;
+    for (const int id : ids) {
         if (id > 0 && id < 0xFFFF) {
-            shown[id] = Look(id);
+            shown += (shown.empty() ? L"" : L" ") + std::to_wstring(id) + L"=" + Look(id);
         }
     }
     return shown;

@@ -1,17 +1,12 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <string>
 
 #include "lib/base/platform.h"
 #include "plugin/imgbasic/process.h"
 
 namespace imgbasic {
-
-/// What every control with an identifier shows: a text, the number of a trackbar or an up-down
-/// control, 0 or 1 for a box or button that can be checked. Disabled ones stand in brackets.
-using Shown = std::map<int, std::wstring>;
 
 /// Works an open dialog as a person would, from another thread. Whatever takes longer than a few
 /// seconds fails the test.
@@ -21,8 +16,11 @@ class DialogHand {
 
     HWND Frame() const { return frame_; }
     HWND Control(int id) const { return GetDlgItem(dialog_, id); }
-    Shown Look() const;
+    /// What a control shows: a text, the number of a trackbar or an up-down control, 0 or 1 for
+    /// what can be checked. If it is disabled, that stands in brackets.
     std::wstring Look(int id) const;
+    /// The same of every control, as "identifier=what identifier=what", by the identifiers.
+    std::wstring Look() const;
     /// The control that has the focus; 0 if it is none of the dialog's.
     int Focused() const;
 

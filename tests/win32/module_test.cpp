@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <string>
 #include <vector>
 
 #include "plugin/imgbasic/entry.h"
@@ -25,21 +27,13 @@ class Module : public testing::Test {
 };
 
 TEST_F(Module, HasItsThirteenExportsByName) {
-    const char* const names[] = {"PluginGetName",
-                                 "ImagePluginIsSizeChange",
-                                 "ImagePluginIsBatchEnable",
-                                 "ImagePluginGetPhase",
-                                 "ImagePluginPrepare2",
-                                 "ImagePluginBatchPrepare",
-                                 "ImagePluginDialog",
-                                 "ImagePluginPhase2",
-                                 "ImagePluginExecute4",
-                                 "?ImagePluginAdjustScale@@YAXPEBDPEAXHHPEAN2@Z",
-                                 "ImagePluginAdjustLocate2",
-                                 "ImagePluginDispose",
-                                 "ImagePluginBatchDispose"};
-    for (const char* name : names) {
-        EXPECT_NE(GetProcAddress(handle_, name), nullptr) << name;
+    std::istringstream names(
+        "PluginGetName ImagePluginIsSizeChange ImagePluginIsBatchEnable ImagePluginGetPhase "
+        "ImagePluginPrepare2 ImagePluginBatchPrepare ImagePluginDialog ImagePluginPhase2 "
+        "ImagePluginExecute4 ?ImagePluginAdjustScale@@YAXPEBDPEAXHHPEAN2@Z "
+        "ImagePluginAdjustLocate2 ImagePluginDispose ImagePluginBatchDispose");
+    for (std::string name; names >> name;) {
+        EXPECT_NE(GetProcAddress(handle_, name.c_str()), nullptr) << name;
     }
 }
 
