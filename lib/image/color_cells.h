@@ -24,8 +24,7 @@ class ColorCells {
     /// Without memory, Table() is empty.
     explicit ColorCells(const WeightedColors& image);
 
-    /// One value for each of the cells: pixels, until a user puts something else
-    /// there.
+    /// One value for each cell: its pixels, until a user puts something else there.
     std::span<uint32_t> Table();
     /// The cells that have pixels.
     const std::vector<Cell>& Occupied() const { return occupied_; }
