@@ -1,6 +1,5 @@
 #include "lib/ui/kv_win32_dialog_item_combo_box.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "lib/ui/shift_jis.h"

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <regex>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -20,10 +20,11 @@ TEST(Log, StampsAndCutsTheLineAndCapturesNest) {
     Log("%s", std::string(5000, 'x').c_str());
 
     ASSERT_EQ(inner.size(), 1U);
-    EXPECT_TRUE(std::regex_match(
-        inner[0],
-        std::regex(R"(\d{4}/\d\d/\d\d \d\d:\d\d:\d\d : \[Class::Method\]値は42です。\n)")))
-        << inner[0];
+    std::string stamp = inner[0].substr(0, 22);
+    std::replace_if(
+        stamp.begin(), stamp.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
+    EXPECT_EQ(stamp, "0000/00/00 00:00:00 : ");
+    EXPECT_EQ(inner[0].substr(22), "[Class::Method]値は42です。\n");
     ASSERT_EQ(outer.size(), 1U);
     EXPECT_LT(outer[0].size(), 1100U);
 }
