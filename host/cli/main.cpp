@@ -23,7 +23,7 @@ std::filesystem::path ModuleBesideProgram() {
 /// where that matters the texts say it.
 class HelpLayout : public CLI::Formatter {
   public:
-    HelpLayout() { column_width(22); }
+    HelpLayout() { column_width(26); }
 
     std::string make_help(const CLI::App* app, std::string name,
                           CLI::AppFormatMode mode) const override {

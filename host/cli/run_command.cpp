@@ -113,7 +113,8 @@ void Tell(const FilterCommand& command, const FileJob& job, const Document& sour
 
 void Process(const Module& module, const FilterCommand& command, ImageProcess* reference,
              const FileJob& job, const Report& report) {
-    if (!command.save.overwrite && std::filesystem::exists(job.output)) {
+    std::error_code ignored;
+    if (!command.save.overwrite && std::filesystem::exists(job.output, ignored)) {
         throw FileError(job.output.string() + ": exists already; --force overwrites it");
     }
     std::vector<std::string> notes;
@@ -153,26 +154,36 @@ bool TryJob(const Module& module, const FilterCommand& command, ImageProcess* re
     return false;
 }
 
-}  // namespace
-
-bool RunFilterCommand(const Module& module, const FilterCommand& given) {
-    const Report report(given.quiet);
-    FilterCommand command = given;
+/// The command with the options that follow from its flags for the layer and the size.
+FilterCommand Completed(FilterCommand command) {
     if (command.layer && !command.target && FindOption(command.filter, "TargetType") != nullptr) {
         command.target = CurrentLayer;
     }
+    const auto add = [&](const char* field, int32_t value) {
+        command.options.push_back(Option(command.filter, field, value));
+    };
+    const SizeRequest& size = command.size;
     if (command.target) {
-        command.options.push_back(Option(command.filter, "TargetType", *command.target));
+        add("TargetType", *command.target);
     }
-    if (command.size.ratio) {
-        command.options.push_back(Option(command.filter, "RatioSize", 1));
-        command.options.push_back(Option(command.filter, "RatioWidth", *command.size.ratio));
-        command.options.push_back(Option(command.filter, "RatioHeight",
-                                         command.size.ratioHeight.value_or(*command.size.ratio)));
+    if (!size.IsEmpty()) {
+        add("RatioSize", size.ratio.has_value());
     }
-    if (command.filter == "scaling" && command.size.IsEmpty()) {
+    if (size.ratio) {
+        add("RatioWidth", *size.ratio);
+        add("RatioHeight", size.ratioHeight.value_or(*size.ratio));
+    }
+    return command;
+}
+
+}  // namespace
+
+bool RunFilterCommand(const Module& module, const FilterCommand& given) {
+    if (given.filter == "scaling" && given.size.IsEmpty()) {
         throw UsageError("scaling needs a size: --ratio, --fit, --width or --height");
     }
+    const FilterCommand command = Completed(given);
+    const Report report(command.quiet);
     const std::vector<FileJob> jobs = PlanJobs(command.inputs, command.output);
     // A batch's object never asks the host for a run, so it has no chance to take new options in
     // before it stores them.
