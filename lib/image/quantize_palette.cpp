@@ -14,7 +14,7 @@ namespace {
 
 constexpr int32_t kFullPrecision = 8;
 
-/// What a count specification asks for.
+/// What a countSpec asks for.
 struct PaletteSize {
     size_t limit;       ///< entries, 1 to 256
     int32_t precision;  ///< bits, 0 to kFullPrecision
