@@ -258,6 +258,7 @@ bool WriteStore(const char* filter, std::span<const StoredNumber> values) {
     if (!lines) {
         return false;
     }
+    const auto before = *lines;
     if (lines->empty()) {
         lines->push_back(std::string(kSignature));
     }
@@ -270,7 +271,8 @@ bool WriteStore(const char* filter, std::span<const StoredNumber> values) {
     for (const StoredNumber& value : values) {
         SetValue(*lines, sections.back(), value);
     }
-    return WriteLines(path, *lines);
+    // Without a dialog every run confirms its options, and few runs change any.
+    return *lines == before || WriteLines(path, *lines);
 }
 
 bool RemoveFromStore(const char* filter) {
