@@ -14,7 +14,8 @@ namespace fs = std::filesystem;
 
 AtomicFile::AtomicFile(const fs::path& path, bool overwrite) : shown_(path), target_(path) {
     std::error_code ignored;
-    if (fs::exists(path, ignored)) {
+    // A link to nothing is something, too.
+    if (fs::exists(fs::symlink_status(path, ignored))) {
         if (!fs::is_regular_file(path, ignored)) {
             throw FileError(path.string() +
                             ": is not a file that can be replaced; choose another "

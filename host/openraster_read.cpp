@@ -52,8 +52,9 @@ class Reader {
         }
         width_ = Size(image, "w");
         height_ = Size(image, "h");
-        RequireMemory(path_, width_, height_,
-                      std::max(image.select_nodes("//layer").size(), size_t{1}));
+        RequireMemory(
+            path_, width_, height_,
+            std::max(image.select_nodes("//layer | /image/stack/stack//stack").size(), size_t{1}));
         Document document{width_, height_, 8, ReadItems(stack, 0)};
         const std::string_view depth = image.attribute(kOpenRasterDepthAttribute).value();
         document.bitDepth = depth == "8" || (depth != "16" && !deepLayers_) ? 8 : 16;

@@ -107,6 +107,11 @@ Picture Decode(const vips::VSource& source, RasterFormat format, const std::stri
     if (const int pages = vips_image_get_n_pages(file.get_image()); pages > 1) {
         notes.push_back(name + ": has " + std::to_string(pages) + " pages; the first one is used");
     }
+    if (vips_band_format_isfloat(file.format()) != 0) {
+        throw FileError(name +
+                        ": has floating-point samples, which name no white; convert it to "
+                        "16 bits a channel first");
+    }
     const VImage image = Normalized(file);
     Picture picture;
     picture.width = image.width();

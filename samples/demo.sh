@@ -28,27 +28,29 @@ sheet() {
 }
 
 run original scaling --ratio 100
-run inverted nega
-run sepia gray --method ntsc --tint draw --draw-color F0C890
-run two_levels mono --threshold 128
-run 16_colours col_reduce --colors 16 --dither large
+run inverted nega --target merged
+run sepia gray --target merged --method ntsc --tint draw --draw-color F0C890
+run two_levels mono --target merged --threshold 128
+run 16_colours col_reduce --target merged --colors 16 --dither large
 run a_twelfth scaling --ratio 8 --interp average
 sheet filters 3 original inverted sepia two_levels 16_colours a_twelfth
 
 methods=(average rgb ntsc value red green blue saturation cb cr)
 for method in "${methods[@]}"; do
-    run "$method" gray --method "$method"
+    run "$method" gray --target merged --method "$method"
 done
 tints=(white red green blue magenta cyan yellow draw back)
 for tint in "${tints[@]}"; do
-    run "tint_$tint" gray --method ntsc --tint "$tint" --draw-color 336699 --back-color F0E0C0
+    run "tint_$tint" gray --target merged --method ntsc --tint "$tint" \
+        --draw-color 336699 --back-color F0E0C0
 done
 sheet gray 5 "${methods[@]}" "${tints[@]/#/tint_}"
 
 reduced=()
 for colours in 2 4 16 256; do
     for dither in none pattern small large; do
-        run "${colours}_colours,_$dither" col_reduce --colors "$colours" --dither "$dither"
+        run "${colours}_colours,_$dither" col_reduce --target merged \
+            --colors "$colours" --dither "$dither"
         reduced+=("${colours}_colours,_$dither")
     done
 done

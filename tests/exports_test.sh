@@ -30,7 +30,7 @@ expect_equal 'libimgbasic.so exports' \
     "$(printf '%s\n_Z22ImagePluginAdjustScalePKcPviiPdS2_' "$plain")" "$native"
 
 dll=build/win64/bin/imgbasic.dll
-tables=$(x86_64-w64-mingw32-objdump -p "$dll")
+tables=$(LC_ALL=C x86_64-w64-mingw32-objdump -p "$dll")
 windows=$(sed -n '/\[Ordinal\/Name Pointer\] Table/,/^$/p' <<<"$tables" |
     sed -n 's/^[[:space:]]*\[[^]]*\] *//p' | grep -v Table | LC_ALL=C sort)
 expect_equal 'imgbasic.dll exports' \

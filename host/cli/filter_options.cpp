@@ -233,7 +233,7 @@ void AddScaling(App& app, FilterCommand& command) {
     AddSwitch(app, command, "--no-bound-alpha", "BoundAlpha", false,
               "Bilinear with clamp or repeat: do not fade out at the border");
     AddSwitch(app, command, "--no-change-brush", "ChangeBrush", false,
-              "Report no factor for the sizes of brushes");
+              "Report no factor for the sizes of brushes (to hosts that have some)");
 }
 
 /// What every filter's command has.

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <new>
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
@@ -117,6 +118,9 @@ int main(int argc, char** argv) {
     } catch (const UsageError& fault) {
         report.Error(fault.what());
         return kUsageStatus;
+    } catch (const std::bad_alloc&) {
+        report.Error("there is not enough memory; make the image smaller");
+        return EXIT_FAILURE;
     } catch (const std::exception& fault) {
         report.Error(fault.what());
         return EXIT_FAILURE;

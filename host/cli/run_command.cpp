@@ -147,7 +147,8 @@ bool TryJob(const Module& module, const FilterCommand& command, ImageProcess* re
     } catch (const FileError& fault) {
         report.Error(fault.what());
     } catch (const std::bad_alloc&) {
-        report.Error(job.input.string() + ": there is not enough memory; use fewer --jobs");
+        report.Error(job.input.string() +
+                     ": there is not enough memory; make the image smaller or use fewer --jobs");
     } catch (const std::exception& fault) {
         report.Error(job.input.string() + ": " + fault.what());
     }

@@ -20,8 +20,9 @@ Channel* LongestChannel(ColorBox& box) {
     return longest;
 }
 
-/// The last level of the lower part of a channel with an extent of 1 or more, nothing when
-/// neither side of the median leaves `least` pixels to both parts.
+/// The last level of the lower part of a channel with an extent of 1 or more. Nothing when the
+/// parts would have fewer than `least` pixels, which only two levels, or a median at the first or
+/// the last level, can come to: a median in between is always taken.
 std::optional<int> MedianEnd(const Channel& channel, uint64_t count, uint64_t least) {
     const auto at = [&](int level) { return channel.levels[static_cast<size_t>(level)]; };
     if (channel.Extent() == 1) {

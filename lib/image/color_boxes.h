@@ -48,8 +48,8 @@ struct BoxCut {
     uint32_t lower;  ///< pixels in the lower part
 };
 
-/// Cuts the longest channel near its median, unless that leaves a part with less than a
-/// `divisor`th of the pixels or a single one; then the channel is set aside and the next one
+/// Cuts the longest channel near its median. Where a part would be a single pixel, or at an end
+/// of the channel less than a `divisor`th of the pixels, the channel is set aside and the next one
 /// tried. Of equally long channels alpha comes first, then green, red and blue.
 std::optional<BoxCut> FindCut(ColorBox& box, uint64_t divisor);
 

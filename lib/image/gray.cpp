@@ -17,7 +17,7 @@ uint32_t HsvOf(RGBA16 color) {
 }
 
 /// From 0 to kFullScale for channels up to kFullScale; others can leave that range, for Cb and Cr
-/// down to -132.
+/// down to -128.
 template <GrayMode kMode>
 int32_t GrayValue(RGBA16 color) {
     const int32_t r = color.r;

@@ -109,6 +109,9 @@ size_t KVInflate::Read(std::span<uint8_t> destination) {
         return 0;
     }
     const size_t wanted = std::min<size_t>(destination.size(), stream.size - stream.position);
+    if (wanted == 0) {
+        return 0;
+    }
     const std::span<uint8_t> wantedPart = destination.first(wanted);
     size_t count;
     if (wanted == stream.size) {

@@ -57,7 +57,7 @@ class KVInflate {
 
     /// Inflates the next bytes into `destination` and returns their number: less than asked for
     /// where the announced size ends, which is no failure, or where the data fails. What lies
-    /// behind them in `destination` may have been written to. No input is looked at beyond what
+    /// behind them in `destination` may have been written to. No input is decoded beyond what
     /// these bytes take.
     size_t Read(std::span<uint8_t> destination);
 

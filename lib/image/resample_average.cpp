@@ -9,7 +9,8 @@ namespace imgbasic {
 namespace {
 
 /// How far outside the source an area is still counted, in pixels. A destination rectangle
-/// narrower than the one pixel that it lies in can span any number of source columns.
+/// narrower than the one pixel that it lies in can span any number of source columns; the limit
+/// bounds the time and the memory that it takes.
 constexpr double kReach = 16384;
 
 /// The source columns (or rows) under one destination column.

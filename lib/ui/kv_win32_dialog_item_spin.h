@@ -19,8 +19,6 @@ class KVWin32DialogItemSpin final : public KVWin32DialogItem {
     void SetValue(int32_t value, bool updateText, bool force) override;
 
   private:
-    /// Binds the field; false when the template lacks it.
-    bool BindEdit();
     /// Takes over what is typed.
     void Accept(bool leaving);
     /// Makes this the value, without touching the field's text.

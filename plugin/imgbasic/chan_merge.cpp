@@ -82,9 +82,11 @@ int ChannelMergeImageProcess::Phase(int phase, uint32_t* /*newWidth*/, uint32_t*
         return -2;
     }
     workImage_.reset();  // before the next one is allocated, not after
-    const uint64_t bytes = uint64_t{PixelCount(width, height)} * sizeof(RGBA16);
-    workImage_ = AllocateZeroed(bytes);
-    return workImage_ == nullptr && bytes > 0 ? 0 : KeepMergedImage(merged);
+    const size_t pixels = PixelCount(width, height);
+    if (pixels <= SIZE_MAX / sizeof(RGBA16)) {
+        workImage_ = AllocateZeroed(pixels * sizeof(RGBA16));
+    }
+    return workImage_ == nullptr && pixels > 0 ? 0 : KeepMergedImage(merged);
 }
 
 bool ChannelMergeImageProcess::Execute(const ExecuteArgs& args) {

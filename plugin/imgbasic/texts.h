@@ -11,7 +11,7 @@ struct Text {
     const char* shiftJis;  ///< code page 932, for the host and the narrow system functions
 };
 
-/// Every text that the module shows.
+/// Every text that the module shows, but for the labels in the dialog templates.
 namespace texts {
 
 extern const Text kGray;

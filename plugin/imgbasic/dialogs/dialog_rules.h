@@ -39,7 +39,8 @@ enum class DialogEnd { StaysOpen, Confirmed, Cancelled };
 
 /// Carries out a press of preview or execute with what the controls show, one number an option.
 /// The host runs through `apply`, if there is one, unless it last ran with the same numbers;
-/// cancelled means that it refused. After a preview the object has its old options again.
+/// cancelled means that it refused. After a preview that was not refused the object has its
+/// old options again.
 DialogEnd CarryOut(Press press, std::span<DialogOption> options, std::span<const int32_t> shown,
                    ApplyCallback apply);
 
