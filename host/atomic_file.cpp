@@ -1,6 +1,7 @@
 #include "host/atomic_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -42,6 +43,11 @@ AtomicFile::AtomicFile(const fs::path& path, bool overwrite) : shown_(path), tar
         Fail(errno);
     }
     temporary_ = temporary;
+    // What replaces a private file stays private.
+    struct stat replaced {};
+    if (stat(target_.c_str(), &replaced) == 0) {
+        fchmod(descriptor_, replaced.st_mode & 07777);
+    }
 }
 
 AtomicFile::~AtomicFile() {

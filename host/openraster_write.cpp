@@ -1,6 +1,8 @@
+#include <glib.h>
 #include <zip.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <pugixml.hpp>
 #include <span>
@@ -14,6 +16,18 @@
 
 namespace imgbasic::host {
 namespace {
+
+/// `name` as XML can hold it: what is no UTF-8, and most control characters, become U+FFFD.
+std::string XmlText(const std::string& name) {
+    const std::unique_ptr<char, void (*)(void*)> valid(
+        g_utf8_make_valid(name.data(), static_cast<gssize>(name.size())), g_free);
+    std::string text;
+    for (const char* c = valid.get(); *c != '\0'; ++c) {
+        const bool forbidden = static_cast<unsigned char>(*c) < 0x20 && !std::strchr("\t\n\r", *c);
+        text += forbidden ? "\xEF\xBF\xBD" : std::string(1, *c);
+    }
+    return text;
+}
 
 /// An archive that grows in memory.
 class ZipWriter {
@@ -129,7 +143,7 @@ class StackWriter {
     static void WriteAttributes(pugi::xml_node node, const LayerOrFolder& member) {
         const uint32_t percent = std::min(member.opacity, 100U);
         const std::string digits = std::to_string(100 + percent).substr(1);
-        node.append_attribute("name") = member.name.c_str();
+        node.append_attribute("name") = XmlText(member.name).c_str();
         node.append_attribute("opacity") = percent == 100 ? "1.0" : ("0." + digits).c_str();
         node.append_attribute("visibility") = member.visible ? "visible" : "hidden";
         node.append_attribute("composite-op") =

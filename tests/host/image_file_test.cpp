@@ -135,8 +135,11 @@ TEST_F(ImageFile, WhatCannotBeWrittenLeavesTheFolderAsItWas) {
     // Too wide for the format: the encoder fails after the place was reserved.
     const Document wide = OneLayer(20000, 1, 8, std::vector<RGBA16>(20000));
     EXPECT_THAT(SaveError(wide, "wide.webp"), AllOf(HasSubstr("WebP"), Not(HasSubstr("\n"))));
+    constexpr auto kPrivate = std::filesystem::perms(0600);
+    std::filesystem::permissions(Path("old.png"), kPrivate);
     (void)SaveDocument(document, Path("old.png"), {.overwrite = true});
     EXPECT_EQ(LoadDocument(Path("old.png")).width, 2);
+    EXPECT_EQ(std::filesystem::status(Path("old.png")).permissions(), kPrivate);
 
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(Path(""))) {

@@ -99,6 +99,17 @@ TEST_F(OpenRaster, ADocumentComesBackBitForBit) {
     }
 }
 
+TEST_F(OpenRaster, ANameThatXmlCannotHoldIsMended) {
+    Document document{4, 4, 8, {}};
+    Layer layer;
+    layer.name = "caf\xE9 \x01\u7A7A";
+    layer.pixels.resize(16);
+    document.items = {layer};
+    (void)SaveDocument(document, Path("d.ora"), {});
+    const Document read = LoadDocument(Path("d.ora"));
+    EXPECT_EQ(std::get<Layer>(read.items[0]).name, "caf\uFFFD \uFFFD\u7A7A");
+}
+
 TEST_F(OpenRaster, OtherProgramsFindTheKindAndTheWholePicture) {
     RandomDocuments random(7);
     Document document = random.AnyDocument(300, 20);
