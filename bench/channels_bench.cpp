@@ -2,7 +2,7 @@
 #include "bench/benchmark_pixels.h"
 #include "plugin/imgbasic/chan_decomp.h"
 #include "plugin/imgbasic/chan_merge.h"
-#include "plugin/imgbasic/layer_name.h"
+#include "plugin/imgbasic/channel_layer_name.h"
 
 namespace imgbasic {
 namespace {

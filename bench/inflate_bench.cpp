@@ -10,7 +10,7 @@
 #include "bench/test_pictures.h"
 #include "host/flatten.h"
 #include "host/image_file.h"
-#include "lib/image/kv_inflate.h"
+#include "lib/image/inflate/kv_inflate.h"
 
 namespace imgbasic {
 namespace {

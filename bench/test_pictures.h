@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "bench/benchmark_pixels.h"
-#include "lib/image/rgba16.h"
+#include "lib/image/pixels/rgba16.h"
 
 namespace imgbasic {
 

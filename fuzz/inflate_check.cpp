@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "lib/base/log.h"
-#include "lib/image/kv_inflate.h"
+#include "lib/image/inflate/kv_inflate.h"
 
 namespace imgbasic {
 namespace {

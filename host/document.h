@@ -5,8 +5,8 @@
 #include <variant>
 #include <vector>
 
-#include "lib/image/pixel_rect.h"
-#include "lib/image/rgba16.h"
+#include "lib/image/pixels/pixel_rect.h"
+#include "lib/image/pixels/rgba16.h"
 
 namespace imgbasic::host {
 

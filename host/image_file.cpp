@@ -13,6 +13,7 @@
 #include "host/indexed_png.h"
 #include "host/openraster.h"
 #include "host/raster_file.h"
+#include "lib/base/ascii.h"
 
 namespace imgbasic::host {
 namespace {
@@ -35,7 +36,7 @@ constexpr Extension kExtensions[] = {
 std::string LowerExtension(const std::filesystem::path& path) {
     std::string extension = path.extension().string();
     for (char& c : extension) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        c = LowerCase(c);
     }
     return extension;
 }

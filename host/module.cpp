@@ -1,29 +1,9 @@
 #include "host/module.h"
 
-#ifndef _WIN32
 #include <dlfcn.h>
-#endif
 
 namespace imgbasic::host {
 namespace {
-
-#ifdef _WIN32
-
-constexpr const char* kAdjustScale = "?ImagePluginAdjustScale@@YAXPEBDPEAXHHPEAN2@Z";
-
-void* OpenLibrary(const std::filesystem::path& path) {
-    return LoadLibraryW(path.c_str());
-}
-
-std::string OpenFault() {
-    return "Windows error " + std::to_string(GetLastError());
-}
-
-void* FindSymbol(void* library, const char* symbol) {
-    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), symbol));
-}
-
-#else
 
 constexpr const char* kAdjustScale = "_Z22ImagePluginAdjustScalePKcPviiPdS2_";
 
@@ -40,8 +20,6 @@ void* FindSymbol(void* library, const char* symbol) {
     return dlsym(library, symbol);
 }
 
-#endif
-
 template <typename Function>
 void Find(const Module& module, const std::filesystem::path& path, const char* symbol,
           Function*& function) {
@@ -55,11 +33,7 @@ void Find(const Module& module, const std::filesystem::path& path, const char* s
 }  // namespace
 
 void LibraryCloser::operator()(void* library) const {
-#ifdef _WIN32
-    FreeLibrary(static_cast<HMODULE>(library));
-#else
     dlclose(library);
-#endif
 }
 
 Module LoadModule(const std::filesystem::path& path) {

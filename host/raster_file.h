@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "lib/image/rgba16.h"
+#include "lib/image/pixels/rgba16.h"
 
 namespace imgbasic::host {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "lib/image/rgba16.h"
+#include "lib/image/pixels/rgba16.h"
 
 namespace imgbasic::host {
 

@@ -3,13 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "lib/base/shift_jis.h"
+
 namespace imgbasic {
 namespace {
-
-bool IsLeadByte(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
 
 std::string WithoutCommas(std::string_view text) {
     std::string rest;

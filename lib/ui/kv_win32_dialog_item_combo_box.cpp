@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "lib/ui/shift_jis.h"
+#include "lib/ui/wide_text.h"
 
 namespace imgbasic {
 

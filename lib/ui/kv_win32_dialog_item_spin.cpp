@@ -7,7 +7,7 @@
 
 #include "lib/base/log.h"
 #include "lib/base/number_text.h"
-#include "lib/ui/shift_jis.h"
+#include "lib/ui/wide_text.h"
 
 namespace imgbasic {
 namespace {

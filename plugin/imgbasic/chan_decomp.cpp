@@ -1,7 +1,8 @@
 #include "plugin/imgbasic/chan_decomp.h"
 
-#include "lib/image/channels.h"
-#include "plugin/imgbasic/layer_name.h"
+#include "lib/base/shift_jis.h"
+#include "lib/image/point/channels.h"
+#include "plugin/imgbasic/channel_layer_name.h"
 #include "plugin/imgbasic/target.h"
 
 namespace imgbasic {
@@ -12,11 +13,6 @@ constexpr uint32_t kChannels = 4;
 // Of a name that leaves no room for a tag, this many bytes are looked at and all but the last,
 // or last two, kept.
 constexpr size_t kNameLimit = 58;
-
-bool IsLeadByte(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
 
 /// Cuts a long Shift-JIS name by a walk over pairs of bytes. A character that begins at byte 57 is
 /// left out, but one that begins at 56 loses its second byte: documents have such names.

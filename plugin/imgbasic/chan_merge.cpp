@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "plugin/imgbasic/layer_name.h"
+#include "plugin/imgbasic/channel_layer_name.h"
 #include "plugin/imgbasic/message_box.h"
 
 namespace imgbasic {

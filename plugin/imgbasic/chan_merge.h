@@ -5,7 +5,7 @@
 
 #include "lib/base/kv_array.h"
 #include "lib/base/zeroed_block.h"
-#include "lib/image/channels.h"
+#include "lib/image/point/channels.h"
 #include "plugin/imgbasic/layer_data.h"
 #include "plugin/imgbasic/process.h"
 #include "plugin/imgbasic/texts.h"

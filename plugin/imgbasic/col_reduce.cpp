@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
-#include "lib/image/map_to_indexed.h"
-#include "lib/image/quantize_graduated.h"
-#include "lib/image/quantize_palette.h"
-#include "lib/image/work_bitmap.h"
+#include "lib/image/dither/map_to_indexed.h"
+#include "lib/image/palette/quantize_palette.h"
+#include "lib/image/reduce/quantize_graduated.h"
+#include "lib/image/reduce/reduce_bitmap.h"
+#include "lib/image/reduce/work_bitmap.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/target.h"
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "lib/image/kv_bitmap.h"
-#include "lib/image/reduce_palette.h"
+#include "lib/image/bitmap/kv_bitmap.h"
+#include "lib/image/palette/reduce_palette.h"
 #include "plugin/imgbasic/process.h"
 
 namespace imgbasic {

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "lib/base/platform.h"
-#include "lib/image/rgba16.h"
+#include "lib/image/pixels/rgba16.h"
 
 // The module's thirteen exports. Hosts find them at run time; the host-side declaration of their
 // types is this header. The Windows module exports them by its .def file.

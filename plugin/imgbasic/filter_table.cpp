@@ -1,8 +1,6 @@
 #include "plugin/imgbasic/filter_table.h"
 
-#include <algorithm>
-#include <cstring>
-
+#include "lib/base/ascii.h"
 #include "plugin/imgbasic/chan_decomp.h"
 #include "plugin/imgbasic/chan_merge.h"
 #include "plugin/imgbasic/col_reduce.h"
@@ -19,10 +17,6 @@ constexpr size_t kLongestName = sizeof("chan_decomp") - 1;
 template <typename Process>
 std::unique_ptr<ImageProcess> Create() {
     return std::make_unique<Process>();
-}
-
-char LowerCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 /// Not std::strlen, which would follow a name without an end out of its buffer.
@@ -52,10 +46,7 @@ std::optional<Filter> FindFilter(const char* name) {
     }
     const size_t length = BoundedLength(name);
     for (size_t index = 0; index < kFilterTable.size(); ++index) {
-        const char* rowName = kFilterTable[index].name;
-        if (std::strlen(rowName) == length &&
-            std::equal(name, name + length, rowName,
-                       [](char given, char row) { return LowerCase(given) == row; })) {
+        if (EqualIgnoringCase({name, length}, kFilterTable[index].name)) {
             return static_cast<Filter>(index);
         }
     }

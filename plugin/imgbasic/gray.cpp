@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "lib/image/gray.h"
+#include "lib/image/point/gray.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/target.h"
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "lib/base/kv_string.h"
-#include "lib/image/pixel_rect.h"
+#include "lib/image/pixels/pixel_rect.h"
 
 namespace imgbasic {
 

@@ -1,6 +1,6 @@
 #include "plugin/imgbasic/mono.h"
 
-#include "lib/image/mono.h"
+#include "lib/image/point/mono.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/target.h"
 

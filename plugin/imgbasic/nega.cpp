@@ -1,6 +1,6 @@
 #include "plugin/imgbasic/nega.h"
 
-#include "lib/image/invert_tones.h"
+#include "lib/image/point/invert_tones.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/target.h"
 

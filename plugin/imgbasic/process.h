@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "lib/base/platform.h"
-#include "lib/image/pixel_rect.h"
-#include "lib/image/rgba16.h"
+#include "lib/image/pixels/pixel_rect.h"
+#include "lib/image/pixels/rgba16.h"
 
 namespace imgbasic {
 

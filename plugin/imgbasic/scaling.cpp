@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "lib/image/resample.h"
+#include "lib/image/resample/resample.h"
 #include "plugin/imgbasic/dialogs.h"
 
 namespace imgbasic {
 namespace {
 
 /// The product wraps like the 32-bit number that it is.
-int32_t ScaledSize(int32_t percent, int32_t size) {
+int32_t PercentOfSide(int32_t percent, int32_t size) {
     const auto product =
         static_cast<int32_t>(static_cast<uint32_t>(percent) * static_cast<uint32_t>(size));
     return std::clamp(product / 100, 1, ScalingImageProcess::kMaxSize);
@@ -113,8 +113,8 @@ bool ScalingImageProcess::Dispose() {
 }
 
 void ScalingImageProcess::SetSizeFromRatio() {
-    newWidth = ScaledSize(RatioWidth, width);
-    newHeight = ScaledSize(RatioHeight, height);
+    newWidth = PercentOfSide(RatioWidth, width);
+    newHeight = PercentOfSide(RatioHeight, height);
 }
 
 }  // namespace imgbasic

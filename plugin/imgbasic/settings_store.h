@@ -5,6 +5,9 @@
 
 namespace imgbasic {
 
+/// Where each filter's values are, under its name: below the registry's HKEY_CURRENT_USER.
+constexpr char kSettingsKey[] = "Software\\orvex\\brelo2\\plugin\\imgbasic\\";
+
 /// A number under its name in the per-user store.
 struct StoredNumber {
     const char* name;

@@ -9,7 +9,7 @@ namespace imgbasic {
 namespace {
 
 std::string KeyPath(const char* filter) {
-    return std::string("Software\\orvex\\brelo2\\plugin\\imgbasic\\") + filter;
+    return std::string(kSettingsKey) + filter;
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "lib/base/ascii.h"
 #include "plugin/imgbasic/settings_store.h"
 
 // The store where there is no registry: one text file in the form of a registry export. Lines
@@ -137,15 +138,6 @@ bool WriteLines(const fs::path& path, const Lines& lines) {
     return true;
 }
 
-/// As the registry compares names: ASCII letters in either case.
-bool SameName(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char x, char y) { return lower(x) == lower(y); });
-}
-
 std::string_view Trimmed(std::string_view line) {
     constexpr std::string_view kBlank = " \t\r";
     const size_t begin = std::min(line.find_first_not_of(kBlank), line.size());
@@ -153,8 +145,7 @@ std::string_view Trimmed(std::string_view line) {
 }
 
 std::string SectionLine(const char* filter) {
-    return std::string("[HKEY_CURRENT_USER\\Software\\orvex\\brelo2\\plugin\\imgbasic\\") + filter +
-           "]";
+    return std::string("[HKEY_CURRENT_USER\\") + kSettingsKey + filter + "]";
 }
 
 bool IsSectionLine(std::string_view line) {
@@ -165,14 +156,15 @@ bool IsSectionLine(std::string_view line) {
 std::optional<std::string_view> ValueText(std::string_view line, std::string_view name) {
     line = Trimmed(line);
     if (line.size() < name.size() + 3 || line[0] != '"' ||
-        !SameName(line.substr(1, name.size()), name) || line.substr(name.size() + 1, 2) != "\"=") {
+        !EqualIgnoringCase(line.substr(1, name.size()), name) ||
+        line.substr(name.size() + 1, 2) != "\"=") {
         return std::nullopt;
     }
     return line.substr(name.size() + 3);
 }
 
 std::optional<uint32_t> ParseNumber(std::string_view text) {
-    if (!SameName(text.substr(0, kNumberMark.size()), kNumberMark)) {
+    if (!EqualIgnoringCase(text.substr(0, kNumberMark.size()), kNumberMark)) {
         return std::nullopt;
     }
     text.remove_prefix(kNumberMark.size());
@@ -201,7 +193,7 @@ std::vector<Section> SectionsOf(const Lines& lines, const char* filter) {
     bool inside = false;
     for (size_t i = 0; i < lines.size(); ++i) {
         if (IsSectionLine(lines[i])) {
-            inside = SameName(Trimmed(lines[i]), heading);
+            inside = EqualIgnoringCase(Trimmed(lines[i]), heading);
             if (inside) {
                 sections.push_back({i + 1, i + 1});
             }

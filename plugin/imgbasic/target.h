@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lib/image/row_kernel.h"
+#include "lib/image/pixels/row_kernel.h"
 #include "plugin/imgbasic/process.h"
 
 namespace imgbasic {

@@ -9,8 +9,8 @@
 #include <random>
 #include <vector>
 
-#include "lib/image/rgba16.h"
-#include "lib/image/simd.h"
+#include "lib/image/pixels/rgba16.h"
+#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 

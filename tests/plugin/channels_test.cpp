@@ -10,8 +10,8 @@
 
 #include "plugin/imgbasic/chan_decomp.h"
 #include "plugin/imgbasic/chan_merge.h"
+#include "plugin/imgbasic/channel_layer_name.h"
 #include "plugin/imgbasic/entry.h"
-#include "plugin/imgbasic/layer_name.h"
 #include "plugin/imgbasic/message_box.h"
 
 namespace imgbasic {

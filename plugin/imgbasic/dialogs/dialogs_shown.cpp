@@ -1,4 +1,4 @@
-#include "lib/ui/shift_jis.h"
+#include "lib/ui/wide_text.h"
 #include "plugin/imgbasic/col_reduce.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/dialogs/common_image_dialog.h"

@@ -1,0 +1,248 @@
+#include "lib/image/inflate/decode.h"
+
+#include <algorithm>
+
+namespace imgbasic {
+namespace {
+
+constexpr size_t kMaxLiteralCodes = 286;
+constexpr size_t kMaxDistanceCodes = 30;
+
+constexpr uint32_t kRepeatPrevious = 16;
+
+// Looks the next symbol up and makes sure of its code's and extra bits; false when the input
+// ends before. Missing bits read as zeros, which can only lead to an entry of more bits than
+// there are.
+bool NextEntry(BitReader& reader, const HuffmanTable& table, uint32_t& entry) {
+    for (;;) {
+        unsigned pointerBits = 0;
+        entry = table.First(reader.bits);
+        if ((entry & kEntrySubtable) != 0) {
+            pointerBits = EntryBits(entry);
+            entry = table.Second(entry, reader.bits >> pointerBits);
+        }
+        if (pointerBits + EntryBits(entry) <= reader.count) {
+            reader.Take(pointerBits);
+            return true;
+        }
+        if (!reader.Need(reader.count + 1)) {
+            return false;
+        }
+    }
+}
+
+uint32_t TakeValue(BitReader& reader, uint32_t entry) {
+    const uint32_t own = reader.Take(EntryBits(entry)) >> EntryCodeBits(entry);
+    return EntryValue(entry) + own;
+}
+
+}  // namespace
+
+void InflateDecoder::Fail(InflateFault::Kind kind, uint32_t first, uint32_t second) {
+    fault_ = {kind, first, second};
+    stage_ = Stage::Finished;
+}
+
+void InflateDecoder::Decode(InflateOutput& output) {
+    while (output.next != output.end && stage_ != Stage::Finished) {
+        switch (stage_) {
+            case Stage::BlockHeader:
+                ReadBlockHeader();
+                break;
+            case Stage::Stored:
+                CopyStored(output);
+                break;
+            default:
+                DecodeCompressed(output);
+        }
+    }
+}
+
+void InflateDecoder::ReadBlockHeader() {
+    if (isLastBlock_) {
+        stage_ = Stage::Finished;
+        return;
+    }
+    if (!reader_.Need(3)) {
+        return Fail(InflateFault::InputEnd);
+    }
+    isLastBlock_ = reader_.Take(1) != 0;
+    switch (reader_.Take(2)) {
+        case 0:
+            return ReadStoredHeader();
+        case 1:
+            codes_ = {FixedLiteralTable(), FixedDistanceTable()};
+            stage_ = Stage::Compressed;
+            return;
+        case 2:
+            return ReadDynamicHeader();
+        default:
+            return Fail(InflateFault::BlockType);
+    }
+}
+
+void InflateDecoder::ReadStoredHeader() {
+    reader_.AlignToByte();
+    if (!reader_.Need(32)) {
+        return Fail(InflateFault::InputEnd);
+    }
+    const uint32_t length = reader_.Take(16);
+    const uint32_t complement = reader_.Take(16);
+    if (length != (complement ^ 0xFFFF)) {
+        return Fail(InflateFault::StoredLength, length, complement);
+    }
+    storedLeft_ = length;
+    stage_ = Stage::Stored;
+}
+
+void InflateDecoder::CopyStored(InflateOutput& output) {
+    const size_t count =
+        std::min({size_t{storedLeft_}, static_cast<size_t>(reader_.end - reader_.next),
+                  static_cast<size_t>(output.end - output.next)});
+    output.next = std::copy_n(reader_.next, count, output.next);
+    reader_.next += count;
+    storedLeft_ -= static_cast<uint32_t>(count);
+    if (storedLeft_ == 0) {
+        stage_ = Stage::BlockHeader;
+    } else if (reader_.next == reader_.end) {
+        Fail(InflateFault::InputEnd);
+    }
+}
+
+void InflateDecoder::ReadDynamicHeader() {
+    static constexpr std::array<uint8_t, kLengthSymbols> kOrder{16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
+                                                                11, 4,  12, 3, 13, 2, 14, 1, 15};
+    if (!reader_.Need(14)) {
+        return Fail(InflateFault::InputEnd);
+    }
+    const size_t literalCodes = reader_.Take(5) + 257;
+    const size_t distanceCodes = reader_.Take(5) + 1;
+    const size_t lengthCodes = reader_.Take(4) + 4;
+    if (literalCodes > kMaxLiteralCodes || distanceCodes > kMaxDistanceCodes) {
+        return Fail(InflateFault::TooManyCodes);
+    }
+    std::array<uint8_t, kLengthSymbols> lengthLengths{};
+    for (size_t i = 0; i < lengthCodes; ++i) {
+        if (!reader_.Need(3)) {
+            return Fail(InflateFault::InputEnd);
+        }
+        lengthLengths[kOrder[i]] = static_cast<uint8_t>(reader_.Take(3));
+    }
+    std::array<uint32_t, kLengthTableSize> lengthStorage;
+    HuffmanTable lengthTable;
+    if (!BuildHuffmanTable(HuffmanAlphabet::Lengths, lengthLengths, lengthStorage, lengthTable)) {
+        return Fail(InflateFault::LengthCode);
+    }
+    std::array<uint8_t, kMaxLiteralCodes + kMaxDistanceCodes> storage;
+    const std::span<uint8_t> lengths = std::span(storage).first(literalCodes + distanceCodes);
+    if (!ReadCodeLengths(lengthTable, lengths)) {
+        return;
+    }
+    if (lengths[kEndOfBlockSymbol] == 0 ||
+        !BuildHuffmanTable(HuffmanAlphabet::Literals, lengths.first(literalCodes), literalStorage_,
+                           codes_.literals)) {
+        return Fail(InflateFault::LiteralTable);
+    }
+    if (!BuildHuffmanTable(HuffmanAlphabet::Distances, lengths.subspan(literalCodes),
+                           distanceStorage_, codes_.distances)) {
+        return Fail(InflateFault::DistanceTable);
+    }
+    stage_ = Stage::Compressed;
+}
+
+bool InflateDecoder::ReadCodeLengths(const HuffmanTable& lengthTable, std::span<uint8_t> lengths) {
+    for (size_t i = 0; i < lengths.size();) {
+        uint32_t entry;
+        if (!NextEntry(reader_, lengthTable, entry)) {
+            Fail(InflateFault::InputEnd);
+            return false;
+        }
+        const uint32_t symbol = TakeValue(reader_, entry);
+        if (symbol < kRepeatPrevious) {
+            lengths[i++] = static_cast<uint8_t>(symbol);
+            continue;
+        }
+        struct Repeat {
+            unsigned extraBits;
+            size_t least;
+        };
+        static constexpr std::array<Repeat, 3> kRepeats{{{2, 3}, {3, 3}, {7, 11}}};
+        const Repeat repeat = kRepeats[symbol - kRepeatPrevious];
+        if (!reader_.Need(repeat.extraBits)) {
+            Fail(InflateFault::InputEnd);
+            return false;
+        }
+        const size_t count = repeat.least + reader_.Take(repeat.extraBits);
+        if (count > lengths.size() - i || (symbol == kRepeatPrevious && i == 0)) {
+            Fail(InflateFault::LengthRepeat);
+            return false;
+        }
+        const uint8_t length = symbol == kRepeatPrevious ? lengths[i - 1] : uint8_t{0};
+        std::ranges::fill(lengths.subspan(i, count), length);
+        i += count;
+    }
+    return true;
+}
+
+void InflateDecoder::DecodeCompressed(InflateOutput& output) {
+    CopyMatch(output);
+    SymbolRun run = DecodeFast(reader_, output, codes_);
+    if (run.outcome == SymbolRun::NearAnEnd) {
+        run = DecodeCarefully(output);
+    }
+    switch (run.outcome) {
+        case SymbolRun::EndOfBlock:
+            stage_ = Stage::BlockHeader;
+            break;
+        case SymbolRun::BadLiteral:
+            return Fail(InflateFault::BadLiteral, EntryValue(run.entry), run.entry);
+        case SymbolRun::BadDistance:
+            return Fail(InflateFault::BadDistance, run.distance, run.entry);
+        case SymbolRun::InputEnd:
+            return Fail(InflateFault::InputEnd);
+        default:
+            break;
+    }
+}
+
+SymbolRun InflateDecoder::DecodeCarefully(InflateOutput& output) {
+    while (output.next != output.end) {
+        uint32_t entry;
+        if (!NextEntry(reader_, codes_.literals, entry)) {
+            return {SymbolRun::InputEnd};
+        }
+        if ((entry & kEntryExceptional) != 0) {
+            if ((entry & kEntryEndOfBlock) == 0) {
+                return {SymbolRun::BadLiteral, entry};
+            }
+            reader_.Take(EntryBits(entry));
+            return {SymbolRun::EndOfBlock};
+        }
+        const uint32_t value = TakeValue(reader_, entry);
+        if ((entry & kEntryLiteral) != 0) {
+            *output.next++ = static_cast<uint8_t>(value);
+            continue;
+        }
+        if (!NextEntry(reader_, codes_.distances, entry)) {
+            return {SymbolRun::InputEnd};
+        }
+        if ((entry & kEntryExceptional) != 0) {
+            return {SymbolRun::BadDistance, entry};
+        }
+        matchLeft_ = value;
+        matchDistance_ = TakeValue(reader_, entry);
+        if (matchDistance_ > static_cast<size_t>(output.next - output.begin)) {
+            return {SymbolRun::BadDistance, entry, matchDistance_};
+        }
+        CopyMatch(output);
+    }
+    return {SymbolRun::OutputFull};
+}
+
+void InflateDecoder::CopyMatch(InflateOutput& output) {
+    for (; matchLeft_ > 0 && output.next != output.end; --matchLeft_, ++output.next) {
+        *output.next = *(output.next - matchDistance_);
+    }
+}
+
+}  // namespace imgbasic

@@ -1,0 +1,126 @@
+#include "lib/image/palette/box_means.h"
+
+#include <algorithm>
+
+namespace imgbasic {
+namespace {
+
+/// Pixels that will share a mean.
+struct ColorSum {
+    std::array<uint64_t, kColorChannels> total{};
+    uint32_t count = 0;
+
+    friend ColorSum operator+(const ColorSum& a, const ColorSum& b) {
+        ColorSum sum{.count = a.count + b.count};
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            sum.total[channel] = a.total[channel] + b.total[channel];
+        }
+        return sum;
+    }
+
+    KVColorPalette Mean() const {
+        uint64_t word = 0;
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            word |= (total[channel] + count / 2) / count << (8 * channel);
+        }
+        return {static_cast<uint32_t>(word), count};
+    }
+};
+
+/// A box cut once more, at levels half as coarse. Without a cut everything is in the lower half.
+struct Halves {
+    std::optional<BoxCut> cut;
+    ColorSum lower;
+    ColorSum upper;
+};
+
+/// The box of each occupied coarse colour.
+std::vector<uint8_t> BoxTable(const std::vector<CoarseColor>& coarse) {
+    std::vector<uint8_t> table(kCellCount<kCoarseBits>);
+    for (const CoarseColor& color : coarse) {
+        uint32_t cell = 0;
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            cell |= uint32_t{color.level[channel]} << (kCoarseBits * channel);
+        }
+        table[cell] = color.box;
+    }
+    return table;
+}
+
+/// Cuts the boxes and puts the number of each cell's half, 2 * box or 2 * box + 1, into the
+/// cells' table.
+std::vector<Halves> CutInHalves(ColorHistogram& cells, const std::vector<CoarseColor>& coarse,
+                                int shift, size_t boxCount) {
+    constexpr uint64_t kDivisor = 4;
+    const auto boxOf = BoxTable(coarse);
+    std::vector<ColorBox> fine(boxCount);
+    for (const auto& [number, count] : cells.Occupied()) {
+        ColorBox& box = fine[boxOf[CoarseCell(number, shift)]];
+        box.count += count;
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            box.Add(channel, ShiftedLevel(number, channel, shift - 1), count);
+        }
+    }
+    std::vector<Halves> halves(boxCount);
+    for (size_t box = 0; box < boxCount; ++box) {
+        const auto cut = FindCut(fine[box], kDivisor);
+        halves[box].cut = cut;
+        halves[box].lower.count = cut ? cut->lower : fine[box].count;
+        halves[box].upper.count = fine[box].count - halves[box].lower.count;
+    }
+    const auto table = cells.Table();
+    for (const auto& [number, count] : cells.Occupied()) {
+        const uint32_t box = boxOf[CoarseCell(number, shift)];
+        const auto& cut = halves[box].cut;
+        const bool upper = cut && ShiftedLevel(number, cut->channel, shift - 1) > cut->end;
+        table[number] = 2 * box + (upper ? 1 : 0);
+    }
+    return halves;
+}
+
+void SumColors(const CountedColors& image, std::span<const uint32_t> halfOfCell,
+               std::vector<Halves>& halves) {
+    std::vector<std::array<uint64_t, kColorChannels>> totals(2 * halves.size());
+    for (size_t i = 0; i < image.colors.size(); ++i) {
+        const uint32_t color = VisibleColor(image.colors[i]);
+        auto& total = totals[halfOfCell[CellOf<ColorHistogram::kBits>(color)]];
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            total[channel] += static_cast<uint64_t>(ChannelOf(color, channel)) * image.Count(i);
+        }
+    }
+    for (size_t box = 0; box < halves.size(); ++box) {
+        halves[box].lower.total = totals[2 * box];
+        halves[box].upper.total = totals[2 * box + 1];
+    }
+}
+
+/// False when there is an entry of that colour already.
+bool AddIfNew(KVArray<KVColorPalette>& entries, const KVColorPalette& entry) {
+    if (std::ranges::find(entries, entry.Word(), &KVColorPalette::Word) != entries.end()) {
+        return false;
+    }
+    entries.push_back(entry);
+    return true;
+}
+
+}  // namespace
+
+void AddBoxMeans(const CountedColors& image, ColorHistogram& cells,
+                 const std::vector<CoarseColor>& coarse, int shift, const ColorBoxes& boxes,
+                 KVArray<KVColorPalette>& entries) {
+    auto halves = CutInHalves(cells, coarse, shift, boxes.boxes.size());
+    SumColors(image, cells.Table(), halves);
+    size_t spare = kMaxBoxes - halves.size();
+    for (const size_t number : boxes.order) {
+        const Halves& half = halves[number];
+        if (spare >= 1 && half.cut) {
+            const bool lowerAdded = AddIfNew(entries, half.lower.Mean());
+            const bool upperAdded = AddIfNew(entries, half.upper.Mean());
+            spare = spare + 1 - (lowerAdded ? 1 : 0) - (upperAdded ? 1 : 0);
+        } else if (!AddIfNew(entries, (half.lower + half.upper).Mean())) {
+            ++spare;
+        }
+    }
+}
+
+}  // namespace imgbasic

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "lib/image/pixels/pixel_rect.h"
+#include "lib/image/pixels/rgba16.h"
+
+namespace imgbasic {
+
+/// How a kernel writes its result: through the caches, or past them, which saves reading the
+/// destination first when the result is too large to stay cached anyway.
+enum class Store { Cached, Streaming };
+
+/// Results of this many bytes and more are streamed: about what a core can call its own of the
+/// last-level cache.
+constexpr size_t kStreamingBytes = size_t{4} << 20;
+
+inline Store StoreFor(size_t pixels) {
+    return pixels * sizeof(RGBA16) >= kStreamingBytes ? Store::Streaming : Store::Cached;
+}
+
+/// Calls `row(dst, src, count, store)` for runs of `count` neighbouring pixels that together make
+/// up `rect`, top to bottom. Both buffers are `width` pixels wide and contain `rect`; whole-width
+/// rectangles are one run. The kernel need not handle a `dst` that partly overlaps `src`.
+template <typename RowFunction>
+void ForEachRun(RGBA16* dst, const RGBA16* src, int32_t width, PixelRect rect, RowFunction&& row) {
+    if (rect.IsEmpty()) {
+        return;
+    }
+    const auto stride = static_cast<size_t>(width);
+    const auto columns = static_cast<size_t>(rect.Width());
+    const auto rows = static_cast<size_t>(rect.Height());
+    const Store store = StoreFor(columns * rows);
+    size_t first = static_cast<size_t>(rect.top) * stride + static_cast<size_t>(rect.left);
+    if (columns == stride) {
+        row(dst + first, src + first, columns * rows, store);
+        return;
+    }
+    for (size_t y = 0; y < rows; ++y, first += stride) {
+        row(dst + first, src + first, columns, store);
+    }
+}
+
+}  // namespace imgbasic

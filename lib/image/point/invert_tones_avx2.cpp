@@ -1,0 +1,24 @@
+#include <immintrin.h>
+
+#include "lib/image/point/invert_tones_forms.h"
+#include "lib/image/simd/vector_run.h"
+
+namespace imgbasic {
+
+void InvertTonesAvx2(RGBA16* dst, const RGBA16* src, size_t count, Store store) {
+    constexpr size_t kStep = sizeof(__m256i) / sizeof(RGBA16);
+    const __m256i fullScale = _mm256_set1_epi16(static_cast<short>(kFullScale));
+    const __m256i alphaLanes = _mm256_set1_epi64x(static_cast<long long>(0xFFFF'0000'0000'0000));
+
+    const VectorRun run = SplitRun(dst, count, kStep, store);
+    InvertTonesScalar(dst, src, run.begin, store);
+    for (size_t i = run.begin; i < run.end; i += kStep) {
+        const __m256i pixels = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + i));
+        const __m256i inverted = _mm256_sub_epi16(fullScale, pixels);
+        StoreVector(dst + i, _mm256_blendv_epi8(inverted, pixels, alphaLanes), run.streaming);
+    }
+    FinishStores(run.streaming);
+    InvertTonesScalar(dst + run.end, src + run.end, count - run.end, store);
+}
+
+}  // namespace imgbasic

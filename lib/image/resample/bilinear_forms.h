@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "lib/image/pixels/rgba16.h"
+#include "lib/image/pixels/row_kernel.h"
+
+namespace imgbasic {
+
+/// One of the two source columns around each destination column's centre. A column without a
+/// pixel has some index of the row and the weight 0, which adds nothing.
+struct BilinearColumns {
+    const int32_t* index;
+    const double* weight;
+    const double* inside;  ///< the weight as far as it counts as inside the clip rectangle
+};
+
+/// One of the two source rows around a destination row's centre; likewise.
+struct BilinearSourceRow {
+    const RGBA16* pixels;
+    double weight;
+    double inside;
+};
+
+/// One destination row to interpolate.
+struct BilinearRow {
+    RGBA16* dst;
+    BilinearSourceRow upper;
+    BilinearSourceRow lower;
+    BilinearColumns left;
+    BilinearColumns right;
+    const double* coverage;
+    double rowCoverage;
+    int32_t sourceWidth;
+    bool needsInside;  ///< pixels without any weight inside are left alone
+    bool fade;         ///< alpha fades where little of the weight is inside
+    Store store;
+};
+
+/// Interpolates the columns [begin, end) of a row.
+using BilinearRowForm = void(const BilinearRow& row, size_t begin, size_t end);
+
+BilinearRowForm BilinearRowScalar;
+BilinearRowForm BilinearRowAvx2;
+BilinearRowForm BilinearRowAvx512;
+
+constexpr double kFullInside = 0.85;  ///< the inside weight from which on nothing fades
+
+}  // namespace imgbasic

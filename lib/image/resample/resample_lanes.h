@@ -1,0 +1,117 @@
+#pragma once
+
+#include "lib/image/resample/average_forms.h"
+#include "lib/image/resample/bilinear_forms.h"
+#include "lib/image/resample/nearest_forms.h"
+#include "lib/image/resample/weighted_sum_lanes.h"
+#include "lib/image/simd/vector_run.h"
+
+// The resampling kernels over several pixels at once, for each set of lanes the same. Operations
+// and their order are the scalar forms'.
+namespace imgbasic {
+
+template <typename Lanes>
+static void NearestLanes(const NearestRow& row, size_t i, bool streaming) {
+    const auto pixels = typename Lanes::Picker(row.index + i, row.sourceWidth).Pick(row.source);
+    Lanes::Store(row.dst + i, pixels, Lanes::Visible(pixels), streaming);
+}
+
+template <typename Lanes>
+static void AverageLanes(const AverageRow& row, size_t i, bool streaming) {
+    WeightedSumLanes<Lanes> sum;
+    auto area = Lanes::Set(0);
+    for (const AverageTap& tap : row.rows) {
+        const auto weight = Lanes::Set(tap.weight);
+        for (size_t k = 0; k < row.taps; ++k) {
+            const size_t entry = k * row.columns + i;
+            area += Lanes::Load(row.areaWeights + entry) * weight;
+            if (tap.pixels == nullptr) {
+                continue;
+            }
+            const typename Lanes::Picker picker(row.indices + entry, row.sourceWidth);
+            const auto pixels = picker.Pick(tap.pixels);
+            // Transparent pixels would add zeros.
+            if (Lanes::Any(Lanes::Visible(pixels))) {
+                sum.Add(pixels, Lanes::Load(row.pixelWeights + entry) * weight);
+            }
+        }
+    }
+    const auto drawn =
+        Lanes::Both(sum.IsVisible(), Lanes::Greater(area, Lanes::Set(kSmallestArea)));
+    if (Lanes::Any(drawn)) {
+        const auto covered = Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage);
+        Lanes::Store(row.dst + i, sum.Mean(sum.Alpha(covered) / area), drawn, streaming);
+    }
+}
+
+/// The weight inside the clip rectangle.
+template <typename Lanes>
+static inline typename Lanes::Doubles InsideLanes(const BilinearRow& row, size_t i) {
+    const auto left = Lanes::Load(row.left.inside + i);
+    const auto right = Lanes::Load(row.right.inside + i);
+    const auto upper = Lanes::Set(row.upper.inside);
+    const auto lower = Lanes::Set(row.lower.inside);
+    return left * upper + right * upper + left * lower + right * lower;
+}
+
+template <typename Lanes>
+static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
+    const typename Lanes::Picker leftPicker(row.left.index + i, row.sourceWidth);
+    const typename Lanes::Picker rightPicker(row.right.index + i, row.sourceWidth);
+    const auto upperLeft = leftPicker.Pick(row.upper.pixels);
+    const auto upperRight = rightPicker.Pick(row.upper.pixels);
+    const auto lowerLeft = leftPicker.Pick(row.lower.pixels);
+    const auto lowerRight = rightPicker.Pick(row.lower.pixels);
+    const auto all =
+        Lanes::Union(Lanes::Union(upperLeft, upperRight), Lanes::Union(lowerLeft, lowerRight));
+    if (!Lanes::Any(Lanes::Visible(all))) {
+        return;
+    }
+    const auto left = Lanes::Load(row.left.weight + i);
+    const auto right = Lanes::Load(row.right.weight + i);
+    const auto upper = Lanes::Set(row.upper.weight);
+    const auto lower = Lanes::Set(row.lower.weight);
+    WeightedSumLanes<Lanes> sum;
+    sum.Add(upperLeft, left * upper);
+    sum.Add(upperRight, right * upper);
+    sum.Add(lowerLeft, left * lower);
+    sum.Add(lowerRight, right * lower);
+    auto drawn = sum.IsVisible();
+    auto alpha = sum.Alpha(Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage));
+    if (row.needsInside) {
+        const auto inside = InsideLanes<Lanes>(row, i);
+        const auto full = Lanes::Set(kFullInside);
+        const auto little = Lanes::Greater(full, inside);
+        drawn = Lanes::Both(drawn, Lanes::Greater(inside, Lanes::Set(0)));
+        if (row.fade && Lanes::Any(little)) {
+            alpha = Lanes::Select(little, alpha * inside / full, alpha);
+        }
+    }
+    Lanes::Store(row.dst + i, sum.Mean(alpha), drawn, streaming);
+}
+
+/// Draws the columns [begin, end) with `lanes(row, i, streaming)`, which draws kStep columns from
+/// `i` on. The vectors at the ends overlap their neighbours: drawing a column twice changes
+/// nothing. Only rows shorter than a vector are left to the scalar form.
+template <size_t kStep, typename Row>
+static inline void DrawColumns(const Row& row, size_t begin, size_t end,
+                               void (*lanes)(const Row&, size_t, bool),
+                               void (&scalar)(const Row&, size_t, size_t)) {
+    if (end - begin < kStep) {
+        scalar(row, begin, end);
+        return;
+    }
+    const VectorRun run = SplitRun(row.dst + begin, end - begin, kStep, row.store);
+    if (run.begin > 0) {
+        lanes(row, begin, false);
+    }
+    for (size_t i = begin + run.begin; i < begin + run.end; i += kStep) {
+        lanes(row, i, run.streaming);
+    }
+    FinishStores(run.streaming);
+    if (begin + run.end < end) {
+        lanes(row, end - kStep, false);
+    }
+}
+
+}  // namespace imgbasic

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "lib/image/pixels/rgba16.h"
+
+namespace imgbasic {
+
+constexpr double kQuotientRaise = 65536;
+
+/// x / kFullScale * kQuotientRaise = x * 256 / 255 = x + x / 255, correctly rounded, without a
+/// division (after Brisebarre, Muller and Raina, 2004).
+///
+/// Scaled to integers, the quotient of a 53-bit number by 255 and the middle between two doubles
+/// differ by an even number less an odd one, over 510: by at least 1/510 of the quotient's last
+/// place. What the multiply-add rounds differs from the quotient only by the error of kInverse,
+/// less than x * 2^-63 or 2^-10 of a last place, so both round alike. That leaves out numbers near
+/// the smallest of all; sums that give a pixel have none.
+template <typename Lanes>
+static inline typename Lanes::Doubles RaisedOverFullScale(typename Lanes::Doubles x) {
+    constexpr double kInverse = 1.0 / 255;
+    return Lanes::MultiplyAdd(x, Lanes::Set(kInverse), x);
+}
+
+/// WeightedSum of several pixels at once. Every sum is kept multiplied by a power of two, which
+/// changes no rounding and saves shifting the channels down.
+template <typename Lanes>
+class WeightedSumLanes {
+  public:
+    using Doubles = typename Lanes::Doubles;
+
+    void Add(typename Lanes::Pixels pixels, Doubles weights) {
+        const Doubles raise = Lanes::Set(kRaise);
+        const Doubles alpha = Lanes::RaisedAlpha(pixels) - raise;
+        const Doubles share = RaisedOverFullScale<Lanes>(alpha * weights);
+        const Doubles raisedShare = share * raise;
+        r_ += Part(Lanes::template RaisedColour<0>(pixels), share, raisedShare);
+        g_ += Part(Lanes::template RaisedColour<1>(pixels), share, raisedShare);
+        b_ += Part(Lanes::template RaisedColour<2>(pixels), share, raisedShare);
+        a_ += share;
+    }
+
+    typename Lanes::Mask IsVisible() const { return Lanes::Greater(a_, Lanes::Set(0)); }
+
+    /// `covered` times the alpha sum, on the scale of a channel.
+    Doubles Alpha(Doubles covered) const {
+        return covered * a_ * Lanes::Set(kFullScale / kQuotientRaise);
+    }
+
+    typename Lanes::Pixels Mean(Doubles alpha) const {
+        const Doubles scale = Lanes::Set(kFullScale / kQuotientRaise) / a_;
+        const Doubles down = Lanes::Set(1.0 / 65536);
+        const Doubles greenScale = scale * down;
+        return Lanes::Pack(scale * r_, greenScale * g_, greenScale * down * b_, alpha);
+    }
+
+  private:
+    static constexpr double kRaise = 4503599627370496.0;  ///< 2^52, see RaisedColour
+
+    // Alpha is raised by kQuotientRaise; the colours by its square, green by another 2^16 and
+    // blue by another 2^32, which is where they stand in a pixel.
+    Doubles r_ = Lanes::Set(0);
+    Doubles g_ = Lanes::Set(0);
+    Doubles b_ = Lanes::Set(0);
+    Doubles a_ = Lanes::Set(0);
+
+    /// Inside a multiply-add, (2^52 + x) * share - 2^52 * share is exact: the product x * share is
+    /// rounded once, as it is without the detour.
+    static Doubles Part(Doubles raisedColour, Doubles share, Doubles raisedShare) {
+        return RaisedOverFullScale<Lanes>(
+            Lanes::MultiplySubtract(raisedColour, share, raisedShare));
+    }
+};
+
+}  // namespace imgbasic

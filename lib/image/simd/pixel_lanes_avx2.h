@@ -1,0 +1,117 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "lib/image/pixels/rgba16.h"
+
+namespace imgbasic {
+
+/// Four neighbouring pixels, a 64-bit lane each. Only for files compiled for AVX2.
+struct Avx2Lanes {
+    static constexpr size_t kCount = 4;
+    using Doubles = __m256d;
+    using Pixels = __m256i;
+    using Mask = __m256i;
+
+    static Doubles Set(double value) { return _mm256_set1_pd(value); }
+    static Doubles Load(const double* values) { return _mm256_loadu_pd(values); }
+    static Doubles MultiplyAdd(Doubles a, Doubles b, Doubles c) { return _mm256_fmadd_pd(a, b, c); }
+    static Doubles MultiplySubtract(Doubles a, Doubles b, Doubles c) {
+        return _mm256_fmsub_pd(a, b, c);
+    }
+    static Mask Greater(Doubles a, Doubles b) {
+        return _mm256_castpd_si256(_mm256_cmp_pd(a, b, _CMP_GT_OQ));
+    }
+    static Mask Both(Mask a, Mask b) { return _mm256_and_si256(a, b); }
+    static Doubles Select(Mask mask, Doubles yes, Doubles no) {
+        return _mm256_blendv_pd(no, yes, _mm256_castsi256_pd(mask));
+    }
+
+    /// 2^52 plus a colour channel as it stands in the lane: times 1, 2^16 and 2^32.
+    template <int kChannel>
+    static Doubles RaisedColour(Pixels pixels) {
+        return Raise(_mm256_and_si256(pixels, _mm256_set1_epi64x(0xFFFFLL << kChannel * 16)));
+    }
+
+    /// 2^52 plus the alpha channel.
+    static Doubles RaisedAlpha(Pixels pixels) { return Raise(_mm256_srli_epi64(pixels, 48)); }
+
+    static Mask Visible(Pixels pixels) {
+        return _mm256_cmpgt_epi64(_mm256_srli_epi64(pixels, 48), _mm256_setzero_si256());
+    }
+    static Pixels Union(Pixels a, Pixels b) { return _mm256_or_si256(a, b); }
+    static bool Any(Mask mask) { return _mm256_testz_si256(mask, mask) == 0; }
+
+    /// Truncates four channels of four pixels.
+    static Pixels Pack(Doubles r, Doubles g, Doubles b, Doubles a) {
+        return _mm256_or_si256(Pair(r, g), _mm256_slli_epi64(Pair(b, a), 32));
+    }
+
+    /// Stores the pixels in `mask`; streamed stores need an aligned `dst` and all pixels, others
+    /// are made through the caches.
+    static void Store(RGBA16* dst, Pixels pixels, Mask mask, bool streaming) {
+        auto* address = reinterpret_cast<__m256i*>(dst);
+        if (_mm256_movemask_pd(_mm256_castsi256_pd(mask)) != 0xF) {
+            _mm256_maskstore_epi64(reinterpret_cast<long long*>(dst), mask, pixels);
+        } else if (streaming) {
+            _mm256_stream_si256(address, pixels);
+        } else {
+            _mm256_storeu_si256(address, pixels);
+        }
+    }
+
+    /// Fetches pixels at four indices of a row, by a load and a permutation where the indices lie
+    /// so close together that the load cannot leave the row.
+    class Picker {
+      public:
+        Picker(const int32_t* indices, int32_t width) : indices_(indices) {
+            const __m128i all = _mm_loadu_si128(reinterpret_cast<const __m128i*>(indices));
+            const __m128i offsets = _mm_sub_epi32(all, _mm_set1_epi32(*indices));
+            const __m128i close = _mm_cmpeq_epi32(_mm_srli_epi32(offsets, 2), _mm_setzero_si128());
+            together_ = *indices <= width - 4 && _mm_movemask_epi8(close) == 0xFFFF;
+            // A lane at offset n holds the 32-bit lanes 2n and 2n + 1.
+            const __m256i low = _mm256_slli_epi64(_mm256_cvtepu32_epi64(offsets), 1);
+            const __m256i high = _mm256_add_epi64(low, _mm256_set1_epi64x(1));
+            permutation_ = _mm256_or_si256(low, _mm256_slli_epi64(high, 32));
+        }
+
+        Pixels Pick(const RGBA16* row) const {
+            if (together_) {
+                return _mm256_permutevar8x32_epi32(
+                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + *indices_)),
+                    permutation_);
+            }
+            // Faster than a gather on the processors that lack AVX-512.
+            return _mm256_set_m128i(LoadTwo(row + indices_[2], row + indices_[3]),
+                                    LoadTwo(row + indices_[0], row + indices_[1]));
+        }
+
+      private:
+        static __m128i LoadTwo(const RGBA16* low, const RGBA16* high) {
+            return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(low)),
+                                      _mm_loadl_epi64(reinterpret_cast<const __m128i*>(high)));
+        }
+
+        const int32_t* indices_;
+        Pixels permutation_;
+        bool together_;
+    };
+
+  private:
+    /// Makes integers the low end of doubles from 2^52 on.
+    static Doubles Raise(Pixels bits) {
+        const Pixels raise = _mm256_set1_epi64x(0x4330'0000'0000'0000);
+        return _mm256_castsi256_pd(_mm256_or_si256(bits, raise));
+    }
+
+    static Pixels Pair(Doubles low, Doubles high) {
+        const __m128i lows = _mm256_cvttpd_epi32(low);
+        const __m128i highs = _mm_slli_epi32(_mm256_cvttpd_epi32(high), 16);
+        return _mm256_cvtepu32_epi64(_mm_blend_epi16(lows, highs, 0xAA));
+    }
+};
+
+}  // namespace imgbasic

@@ -1,0 +1,295 @@
+#include "lib/image/resample/resample.h"
+
+#include <cmath>
+#include <limits>
+
+#include "lib/image/pixels/row_kernel.h"
+#include "lib/image/resample/weighted_sum_lanes.h"
+#include "tests/image/kernel_test.h"
+#include "tests/image/resample/simple_resample.h"
+
+namespace imgbasic {
+namespace {
+
+using Kernel = SimpleResample::Kernel;
+constexpr Kernel kKernels[] = {Kernel::Nearest, Kernel::Average, Kernel::Bilinear};
+
+struct Image {
+    int32_t width;
+    int32_t height;
+    std::vector<RGBA16> pixels;
+
+    Image(int32_t w, int32_t h, std::vector<RGBA16> all)
+        : width(w), height(h), pixels(std::move(all)) {}
+    Image(int32_t w, int32_t h, RGBA16 fill) : Image(w, h, {PixelCount(w, h), fill}) {}
+
+    ResampleRect Whole() const {
+        return {0, 0, static_cast<double>(width), static_cast<double>(height)};
+    }
+    ResampleTarget Target(ResampleRect rect) { return {pixels.data(), width, height, rect}; }
+    ResampleSource Source(ResampleRect rect) const { return {pixels.data(), width, height, rect}; }
+};
+
+void Draw(const SimpleResample& call) {
+    switch (call.kernel) {
+        case Kernel::Nearest:
+            return ResampleNearest(call.d, call.s, call.clip);
+        case Kernel::Average:
+            return ResampleAverage(call.d, call.s, call.clip);
+        case Kernel::Bilinear:
+            return ResampleBilinear(call.boundary, call.fade, call.d, call.s, call.clip);
+    }
+}
+
+void DrawWhole(Kernel kernel, int32_t boundary, bool fade, Image& to, const Image& from) {
+    Draw({kernel,
+          boundary,
+          fade,
+          to.Target(to.Whole()),
+          from.Source(from.Whole()),
+          {0, 0, from.width, from.height}});
+}
+
+/// Random calls: sizes, rectangles within, across and beyond the images, clips, kinds of alpha.
+class RandomCall {
+  public:
+    explicit RandomCall(uint32_t seed) : random_(seed), seed_(seed) {}
+
+    int Int(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
+    double Real(double from, double to) {
+        return std::uniform_real_distribution<double>(from, to)(random_);
+    }
+
+    Image MakeImage() {
+        Image image(Int(1, Int(0, 3) == 0 ? 150 : 20), Int(1, 20), RGBA16{});
+        image.pixels = EdgyPixels(image.pixels.size(), seed_ * 2 + 1);
+        const int alphas = Int(0, 3);
+        for (RGBA16& pixel : image.pixels) {
+            if (alphas == 0 || (alphas == 1 && Int(0, 9) != 0)) {
+                pixel.a = kFullScale;
+            } else if (alphas == 2 && Int(0, 3) != 0) {
+                pixel.a = 0;
+            }
+        }
+        return image;
+    }
+
+    /// One direction of a rectangle on `size` pixels.
+    void Span(double& from, double& length, int size) {
+        const int kind = Int(0, 5);
+        from = kind < 2 ? 0 : Real(-0.3, 0.8) * size;
+        length = kind < 2 ? size : Real(0, kind == 2 ? 0.1 : 1.5) * size;
+        if (kind == 5) {
+            from = std::round(from);
+            length = std::round(length);
+        }
+    }
+
+    ResampleRect Rect(const Image& image) {
+        ResampleRect rect{};
+        Span(rect.x, rect.width, image.width);
+        Span(rect.y, rect.height, image.height);
+        return rect;
+    }
+
+    PixelRect Clip(const Image& image) {
+        const int left = Int(-3, image.width);
+        const int top = Int(-3, image.height);
+        return Int(0, 1) == 0 ? PixelRect{0, 0, image.width, image.height}
+                              : PixelRect{left, top, left + Int(-1, image.width + 3),
+                                          top + Int(-1, image.height + 3)};
+    }
+
+  private:
+    std::mt19937 random_;
+    uint32_t seed_;
+};
+
+void ExpectOracle(uint32_t seed) {
+    RandomCall random(seed);
+    const Image source = random.MakeImage();
+    Image expected = random.MakeImage();
+    Image actual = expected;
+    const bool whole = random.Int(0, 1) == 0;
+    SimpleResample call{static_cast<Kernel>(random.Int(0, 2)),
+                        random.Int(-1, 3),
+                        random.Int(0, 1) == 0,
+                        actual.Target(whole ? actual.Whole() : random.Rect(actual)),
+                        source.Source(whole ? source.Whole() : random.Rect(source)),
+                        random.Clip(source)};
+    Draw(call);
+    call.d.pixels = expected.pixels.data();
+    call.Draw();
+    ASSERT_EQ(actual.pixels, expected.pixels)
+        << "seed " << seed << ", kernel " << call.kernel << ", boundary " << call.boundary;
+}
+
+class Resample : public KernelTest {};
+
+TEST_P(Resample, DrawsWhatTheOracleDraws) {
+    const ScopedSimdLevel level(GetParam());
+    for (uint32_t seed = 0; seed < 10000; ++seed) {
+        ASSERT_NO_FATAL_FAILURE(ExpectOracle(seed));
+    }
+}
+
+/// Large results are written past the caches; the rows of this one begin at any alignment.
+TEST_P(Resample, DrawsLargeResultsAlike) {
+    const ScopedSimdLevel level(GetParam());
+    const Image source(300, 200, EdgyPixels(300 * 200, 9));
+    Image expected(1101, 480, RGBA16{1, 2, 3, 4});
+    ASSERT_EQ(StoreFor(expected.pixels.size()), Store::Streaming);
+    for (const Kernel kernel : kKernels) {
+        Image actual = expected;
+        DrawWhole(kernel, BoundaryClamp, true, actual, source);
+        SimpleResample{kernel,
+                       BoundaryClamp,
+                       true,
+                       expected.Target(expected.Whole()),
+                       source.Source(source.Whole()),
+                       {0, 0, 300, 200}}
+            .Draw();
+        EXPECT_TRUE(actual.pixels == expected.pixels) << "kernel " << kernel;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, Resample,
+                         testing::Values(SimdLevel::Scalar, SimdLevel::Avx2, SimdLevel::Avx512));
+
+struct OneLane {
+    using Doubles = double;
+    static double Set(double value) { return value; }
+    // The processor's: that of the Windows library is not correctly rounded.
+#if defined(__x86_64__)
+    __attribute__((target("fma")))
+#endif
+    static double
+    MultiplyAdd(double a, double b, double c) {
+        return __builtin_fma(a, b, c);
+    }
+};
+
+TEST(RaisedOverFullScale, EqualsTheDivisionAlsoNextToTheMiddleOfTwoDoubles) {
+    if (SupportedSimdLevel() < SimdLevel::Avx2) {
+        GTEST_SKIP() << "this machine has no multiply-add";
+    }
+    const auto expectEqual = [](double x) {
+        ASSERT_EQ(RaisedOverFullScale<OneLane>(x), x / kFullScale * kQuotientRaise) << x;
+    };
+    std::mt19937_64 random(7);
+    for (int alpha = 0; alpha <= 0xFFFF; ++alpha) {
+        expectEqual(alpha);
+        expectEqual(alpha * std::ldexp(static_cast<double>(random() >> 11), -53));
+        expectEqual(alpha * std::ldexp(static_cast<double>(random() >> 11), -160));
+    }
+    for (int i = 0; i < 1000000; ++i) {
+        // What divides to nearly m + 1/2 last places, and the doubles beside it.
+        const auto m = static_cast<double>(random() >> 11 | uint64_t{1} << 52);
+        const double x = OneLane::MultiplyAdd(m, 255.0, 127.5);
+        expectEqual(x);
+        expectEqual(std::nextafter(x, 0));
+        expectEqual(std::nextafter(x, 1e300));
+    }
+}
+
+constexpr RGBA16 R{0xFF00, 0, 0, 0xFF00};
+constexpr RGBA16 B{0, 0, 0xFF00, 0xFF00};
+constexpr RGBA16 Clear{0x1200, 0x3400, 0x5600, 0};
+constexpr RGBA16 Kept{1, 2, 3, 4};
+constexpr RGBA16 R3B{0xBF40, 0, 0x3FC0, 0xFF00};  ///< three parts of R and one of B
+constexpr RGBA16 RB3{0x3FC0, 0, 0xBF40, 0xFF00};
+
+constexpr RGBA16 Faint(uint16_t alpha) {
+    return {0xFF00, 0, 0, alpha};
+}
+
+/// A row drawn over Kept, between equal rows so that it is at no upper or lower boundary.
+struct WorkedCase {
+    Kernel kernel;
+    int32_t boundary;
+    bool fade;
+    std::vector<RGBA16> source;
+    std::vector<RGBA16> expected;
+};
+
+TEST(ResampleCases, AreWorkedOut) {
+    const WorkedCase cases[] = {
+        {Kernel::Nearest, 0, false, {R}, {R, R, R}},
+        {Kernel::Nearest, 0, false, {R, Clear}, {R, R, Kept, Kept}},
+        {Kernel::Average,
+         0,
+         false,
+         {R, B, R, Faint(0x7F80)},
+         {{32640, 0, 32640, 65280}, Faint(48960)}},
+        {Kernel::Average, 0, false, {R, Clear, Clear, Clear}, {Faint(32640), Kept}},
+        {Kernel::Bilinear, 0, true, {R, R}, {Faint(48960), R, R, Faint(48960)}},
+        {Kernel::Bilinear, 1, false, {R, B}, {R, R3B, RB3, B}},
+        {Kernel::Bilinear, 1, true, {R, R}, {Faint(57600), R, R, Faint(57600)}},
+        {Kernel::Bilinear, 2, false, {R, B}, {R3B, R3B, RB3, RB3}},
+        {Kernel::Bilinear, 7, true, {R, R}, {Faint(48960), R, R, Faint(48960)}},
+    };
+    for (const WorkedCase& c : cases) {
+        Image source(static_cast<int32_t>(c.source.size()), 3, RGBA16{});
+        for (size_t i = 0; i < source.pixels.size(); ++i) {
+            source.pixels[i] = c.source[i % c.source.size()];
+        }
+        Image result(static_cast<int32_t>(c.expected.size()), 3, Kept);
+        DrawWhole(c.kernel, c.boundary, c.fade, result, source);
+        const auto middle = result.pixels.begin() + result.width;
+        EXPECT_EQ(std::vector<RGBA16>(middle, middle + result.width), c.expected)
+            << "case " << &c - cases;
+    }
+}
+
+TEST(ResampleProperties, ConstantImagesStayConstantAndWholeFactorsRepeat) {
+    const Image flat(37, 5, RGBA16{0x1234, 0xFF00, 0x80, 0xFF00});
+    for (int size = 1; size <= 70; ++size) {
+        for (const Kernel kernel : kKernels) {
+            Image result(size, 4, Kept);
+            DrawWhole(kernel, BoundaryClamp, false, result, flat);
+            const int slack = kernel == Kernel::Nearest ? 0 : 1;
+            for (const RGBA16& pixel : result.pixels) {
+                ASSERT_NEAR(pixel.r, 0x1234, slack) << size;
+                ASSERT_NEAR(pixel.g, 0xFF00, slack) << size;
+                ASSERT_NEAR(pixel.b, 0x80, slack) << size;
+                ASSERT_NEAR(pixel.a, 0xFF00, slack) << size;
+            }
+        }
+    }
+    const Image source(16, 8, EdgyPixels(16 * 8, 3));
+    for (const size_t factor : {1U, 2U, 4U, 8U}) {
+        const size_t width = 16 * factor;
+        Image result(static_cast<int32_t>(width), static_cast<int32_t>(8 * factor), Kept);
+        DrawWhole(Kernel::Nearest, 0, false, result, source);
+        for (size_t i = 0; i < result.pixels.size(); ++i) {
+            const RGBA16 pixel = source.pixels[i / width / factor * 16 + i % width / factor];
+            ASSERT_EQ(result.pixels[i], pixel.a != 0 ? pixel : Kept);
+        }
+    }
+}
+
+/// Only the sanitizers and the time limit see what goes wrong here.
+TEST(ResampleHostile, RectanglesOfAnyDoublesStayInTheBuffers) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kValues[] = {0,      1,     -1,        0.3,        7,     1e-6,  2e-6,
+                                  -1e-9,  1e9,   -1e9,      1e17,       -1e17, 1e300, -1e300,
+                                  1e-300, -1e30, kInfinity, -kInfinity, kNaN};
+    constexpr int32_t kEdges[] = {INT32_MIN, -1, 0, 2, 5, INT32_MAX};
+    std::mt19937 random(5);
+    const auto value = [&] { return kValues[random() % std::size(kValues)]; };
+    const auto edge = [&] { return kEdges[random() % std::size(kEdges)]; };
+    const Image source(5, 5, EdgyPixels(25, 1));
+    Image result(7, 7, Kept);
+    for (int run = 0; run < 30000; ++run) {
+        Draw({kKernels[random() % 3],
+              static_cast<int32_t>(random() % 5) - 1,
+              true,
+              result.Target({value(), value(), value(), value()}),
+              source.Source({value(), value(), value(), value()}),
+              {edge(), edge(), edge(), edge()}});
+    }
+}
+
+}  // namespace
+}  // namespace imgbasic
