@@ -27,6 +27,15 @@ static inline __m128i ChannelLanes(uint32_t word) {
 
 /// Squared distances of eight colours from `query`, the channel lanes over and over, as 16-bit
 /// lanes that saturate. Only the lanes of `mask` count.
+///
+///      squares of colours 0 to 3     b+g r+a b+g r+a | b+g r+a b+g r+a     sums of two channels
+///                                       0       1    |    2       3
+///      hadd with those of 4 to 7      0   1   4   5  |  2   3   6   7      32-bit sums
+///      packus                       0 1 4 5 2 3 6 7                        16 bits, saturated
+///      shuffle, by pairs            0 1 2 3 4 5 6 7
+///
+/// The two halves of a 256-bit register do not mix on the way, hence the order that the shuffle
+/// puts right.
 static inline __m128i Distances(__m256i colors, __m256i query, __m256i mask) {
     const auto squares = [&](__m128i words) {
         const __m256i lanes = _mm256_sub_epi16(_mm256_cvtepu8_epi16(words), query);
@@ -40,8 +49,14 @@ static inline __m128i Distances(__m256i colors, __m256i query, __m256i mask) {
     return _mm_shuffle_epi32(packed, _MM_SHUFFLE(3, 1, 2, 0));
 }
 
-/// ClosestEntryLookup::Find for a colour whose channel lanes are at hand. Where two entries are
-/// equally near, and for cells that are new, that decides.
+/// ClosestEntryLookup::Find for a colour whose channel lanes are at hand: eight entries a step, the
+/// least distance and its place by one instruction (minpos). It knows distances only. Where that is
+/// not enough, Find decides: for cells that are new or have no candidates, and where the least
+/// distance is there twice, in one block or in two. Distances of 65535 and more, which saturate,
+/// look equal and so end up there as well.
+///
+/// Spare entries of a block are copies of its first. They cannot be found, since minpos takes the
+/// first of equals; `used` keeps them from looking like ties.
 static inline ClosestEntry FindClosestAvx2(ClosestEntryLookup& lookup,
                                            const ClosestEntryTables& tables, uint32_t color,
                                            __m128i lanes, __m256i mask) {
@@ -54,7 +69,7 @@ static inline ClosestEntry FindClosestAvx2(ClosestEntryLookup& lookup,
         return decide();
     }
     const __m256i query = _mm256_broadcastq_epi64(lanes);
-    ClosestEntry nearest{};
+    ClosestEntry closest{};
     uint32_t best = 0xFFFFFFFF;
     for (const CandidateBlock* block = tables.blocks + cell;; ++block) {
         const __m256i colors = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block->colors));
@@ -74,12 +89,12 @@ static inline ClosestEntry FindClosestAvx2(ClosestEntryLookup& lookup,
             best = distance;
             // The lanes are ready sooner from the block than by way of the index.
             const __m256i number = _mm256_castsi128_si256(_mm_srli_epi32(minimum, 16));
-            nearest.lanes =
+            closest.lanes =
                 ChannelLanes(_mm256_castsi256_si128(_mm256_permutevar8x32_epi32(colors, number)));
-            nearest.index = block->indices[place];
+            closest.index = block->indices[place];
         }
         if (!block->more) {
-            return nearest;
+            return closest;
         }
     }
 }

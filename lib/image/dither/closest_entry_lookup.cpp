@@ -12,7 +12,12 @@ namespace imgbasic {
 namespace {
 
 /// Squared distances from an entry to the nearest and farthest colour of a cell, and the distance
-/// of its alpha where that is compared before any colour.
+/// of its alpha where that is compared before any colour. Squared distances are sums over the
+/// channels, each of which has its nearest and its farthest level by itself.
+///
+/// An alpha that is compared first is 0 or 255 for every entry. The colours of one cell, none of
+/// which reaches over the middle between 127 and 128, agree on which of the two is closer, and none
+/// is as close to both: that of the cell's lowest colour decides for all.
 struct Reach {
     int alpha = 0;
     int least = 0;
@@ -25,8 +30,14 @@ int CellFloor(uint32_t cell, size_t channel) {
     return CellLevel<ClosestEntryTables::kBits>(cell, channel) << kCellShift;
 }
 
-/// An alpha that is compared first is 0 or 255 for every entry, and the colours of one cell, none
-/// of which reaches over the middle, agree on which of the two is closer: the floor decides.
+/// In one channel, from the entry's level to a cell's levels [floor, floor + kLength]:
+///
+///      entry below     e ....... [=======]        near -above             far kLength - above
+///      entry within          [===e=======]        near 0                  far the longer side
+///      entry above           [=======] ....... e  near above - kLength    far above
+///
+/// where `above` is how far the entry is above the floor; the greatest of the three is the one
+/// that applies.
 Reach ReachOf(uint32_t color, uint32_t cell, AlphaMode mode, bool alphaInDistance) {
     Reach reach;
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
@@ -49,21 +60,24 @@ Reach ReachOf(uint32_t color, uint32_t cell, AlphaMode mode, bool alphaInDistanc
 uint8_t FindInBlocks(const CandidateBlock* block, bool alphaInDistance, uint32_t color) {
     // Which alpha is closer has been sorted out: it is the same in all entries, or a channel
     // like the others.
-    ClosestEntryRule nearest(AlphaMode::Axis, alphaInDistance, color);
+    ClosestEntryRule rule(AlphaMode::Axis, alphaInDistance, color);
     for (;; ++block) {
         for (uint32_t i = 0; i < block->count; ++i) {
-            if (nearest.Compare(block->colors[i], block->indices[i])) {
+            if (rule.Compare(block->colors[i], block->indices[i])) {
                 return block->indices[i];
             }
         }
         if (!block->more) {
-            return static_cast<uint8_t>(nearest.Index());
+            return static_cast<uint8_t>(rule.Index());
         }
     }
 }
 
-/// When the blocks are used up, the palette is searched for further cells.
+/// Two blocks for every cell, though only cells that a picture has colours in take any. When they
+/// are used up, the palette is searched for further cells.
 constexpr uint32_t kMaxBlocks = 1 << 17;
+static_assert(kMaxBlocks <= ClosestEntryTables::kSearchPalette, "numbers of blocks");
+static_assert(CandidateGrid::kMaxEntries - 1 <= UINT8_MAX, "CandidateBlock::indices");
 
 }  // namespace
 
@@ -101,6 +115,8 @@ uint8_t ClosestEntryLookup::FindInPalette(uint32_t color) const {
                                                            : FindNearest(palette_, color));
 }
 
+/// Sorts out the candidates of a cell, as ClosestEntryLookup explains it, and answers what its
+/// place in the table gets.
 uint32_t ClosestEntryLookup::Prepare(uint32_t number) {
     uint32_t corner = 0;
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
@@ -124,11 +140,13 @@ uint32_t ClosestEntryLookup::Prepare(uint32_t number) {
     candidates_.clear();
     for (size_t i = 0; i < entries.size(); ++i) {
         if (reaches[i].alpha == closestAlpha) {
+            // Not `<`: at a corner of the cell an entry can be as close as the bound.
             if (reaches[i].least <= bound) {
                 candidates_.push_back(entries[i]);
             }
         } else if (reaches[i].least == 0 && candidates_.empty()) {
-            // At distance zero it ends the search although its alpha is farther.
+            // At distance zero it ends the search although its alpha is farther, unless an entry
+            // of closer alpha has been compared before.
             return ClosestEntryTables::kSearchPalette;
         }
     }

@@ -6,10 +6,10 @@
 // The dither kinds of MapToIndexed. Both bitmaps have the same size, and have pixels.
 namespace imgbasic {
 
-/// Every pixel gets the entry nearest to its colour.
+/// Every pixel gets the entry closest to its colour.
 void MapPlain(ClosestEntryLookup& lookup, const KVBitmap& source, KVBitmap& indexed);
 
-/// Ordered dithering that goes only as far as the nearest entry is from the pixel, channel by
+/// Ordered dithering that goes only as far as the closest entry is from the pixel, channel by
 /// channel, with 4 x 4 threshold matrices after Bayer (1973).
 void MapOrdered(ClosestEntryLookup& lookup, const KVBitmap& source, KVBitmap& indexed);
 

@@ -32,9 +32,9 @@ void MapDiffusedRowAvx2(ClosestEntryLookup& lookup, const uint32_t* pixels, uint
         const __m128i packed = _mm_packus_epi16(sum, sum);
         const __m128i lanes = ChannelLanes(packed);
         const auto wanted = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
-        const ClosestEntry nearest = FindClosestAvx2(lookup, tables, wanted, lanes, mask);
-        indices[x] = nearest.index;
-        previous = _mm_sub_epi16(_mm_blendv_epi8(lanes, color, keepColor), nearest.lanes);
+        const ClosestEntry closest = FindClosestAvx2(lookup, tables, wanted, lanes, mask);
+        indices[x] = closest.index;
+        previous = _mm_sub_epi16(_mm_blendv_epi8(lanes, color, keepColor), closest.lanes);
         _mm_storel_epi64(reinterpret_cast<__m128i*>(errors.current + x), previous);
     }
 }

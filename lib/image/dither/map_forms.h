@@ -14,7 +14,7 @@ MapPlainForm MapPlainRowScalar;
 MapPlainForm MapPlainRowAvx2;
 
 /// What ordered dithering adds to a channel, from -128 to 127, by its column % 4 and by the bits
-/// of the channel's distance from the nearest entry (0 to 8; the rest of 16 is not used).
+/// of the channel's distance from the closest entry (0 to 8; the rest of 16 is not used).
 struct alignas(16) OrderedOffsets {
     int8_t offsets[4][16];
 };

@@ -36,11 +36,11 @@ constexpr std::array<OrderedOffsets, 4> MakeOffsets() {
     return rows;
 }
 
-uint32_t Dithered(uint32_t color, uint32_t nearest, const int8_t (&offsets)[16]) {
+uint32_t Dithered(uint32_t color, uint32_t closest, const int8_t (&offsets)[16]) {
     uint32_t word = 0;
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
         const int value = ChannelOf(color, channel);
-        const auto distance = static_cast<unsigned>(std::abs(value - ChannelOf(nearest, channel)));
+        const auto distance = static_cast<unsigned>(std::abs(value - ChannelOf(closest, channel)));
         const int moved = value + offsets[std::bit_width(distance)];
         word |= static_cast<uint32_t>(std::clamp(moved, 0, 255)) << (8 * channel);
     }
@@ -54,8 +54,8 @@ void MapOrderedRowScalar(ClosestEntryLookup& lookup, const uint32_t* pixels, uin
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
         indices[x] = lookup.Find(color);
-        const uint32_t nearest = lookup.Tables().colors[indices[x]];
-        const uint32_t dithered = Dithered(color, nearest, row.offsets[x % 4]);
+        const uint32_t closest = lookup.Tables().colors[indices[x]];
+        const uint32_t dithered = Dithered(color, closest, row.offsets[x % 4]);
         if (dithered != color) {
             indices[x] = lookup.Find(dithered);
         }

@@ -23,9 +23,9 @@ void MapOrderedRowAvx2(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
         const __m128i lanes = ChannelLanes(color);
-        ClosestEntry nearest = FindClosestAvx2(lookup, tables, color, lanes, mask);
+        ClosestEntry closest = FindClosestAvx2(lookup, tables, color, lanes, mask);
         // The high bytes of the 16-bit lanes stay zero, and so does what they look up.
-        const __m128i bits = BitWidths(_mm_abs_epi16(_mm_sub_epi16(lanes, nearest.lanes)));
+        const __m128i bits = BitWidths(_mm_abs_epi16(_mm_sub_epi16(lanes, closest.lanes)));
         const __m128i offsets = _mm_shuffle_epi8(
             _mm_load_si128(reinterpret_cast<const __m128i*>(row.offsets[x % 4])), bits);
         const __m128i signedOffsets = _mm_srai_epi16(_mm_slli_epi16(offsets, 8), 8);
@@ -33,9 +33,9 @@ void MapOrderedRowAvx2(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8
         const __m128i packed = _mm_packus_epi16(moved, moved);
         const auto dithered = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
         if (dithered != color) {
-            nearest = FindClosestAvx2(lookup, tables, dithered, ChannelLanes(packed), mask);
+            closest = FindClosestAvx2(lookup, tables, dithered, ChannelLanes(packed), mask);
         }
-        indices[x] = nearest.index;
+        indices[x] = closest.index;
     }
 }
 

@@ -1,25 +1,46 @@
 #include "lib/image/inflate/code_tables.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 namespace imgbasic {
 namespace {
+
+constexpr size_t kMatchLengthSymbols = 29;
+constexpr size_t kUsedDistanceSymbols = 30;
 
 // What a symbol's entries have in common; the code's length is added when a table is built.
 constexpr uint32_t SymbolEntry(size_t value, unsigned extraBits) {
     return static_cast<uint32_t>(value << 16) | extraBits;
 }
 
-constexpr std::array<uint32_t, kLengthSymbols> LengthSymbols() {
-    std::array<uint32_t, kLengthSymbols> entries{};
+constexpr std::array<uint32_t, kCodeLengthSymbols> CodeLengthSymbols() {
+    std::array<uint32_t, kCodeLengthSymbols> entries{};
     for (size_t symbol = 0; symbol < entries.size(); ++symbol) {
         entries[symbol] = SymbolEntry(symbol, 0);
     }
     return entries;
 }
 
-// Bases and extra bits follow from each other: every symbol begins where the one before ends.
+// The bases of lengths and distances follow from the extra bits: every symbol begins where the
+// one before ends. A symbol of n extra bits stands for 2^n values; after a first run without any,
+// four length symbols (two distance symbols) have the same number, then one bit more:
+//
+//      symbol   257 ... 264  265 266 267 268  269 270 271 272  ...  281 282 283 284   285
+//      bits      0       0    1   1   1   1    2   2   2   2         5   5   5   5     0
+//      base      3      10   11  13  15  17   19  23  27  31       131 163 195 227   258
+//
+// 285 is the exception: the longest match has a symbol of its own, although 284 reaches it too.
+constexpr unsigned MatchLengthExtraBits(unsigned i) {
+    return i < 8 ? 0 : (i - 4) / 4;
+}
+constexpr unsigned DistanceExtraBits(unsigned symbol) {
+    return symbol < 4 ? 0 : (symbol - 2) / 2;
+}
+static_assert(MatchLengthExtraBits(kMatchLengthSymbols - 2) == kMaxLengthExtraBits);
+static_assert(DistanceExtraBits(kUsedDistanceSymbols - 1) == kMaxDistanceExtraBits);
+
 constexpr std::array<uint32_t, kLiteralSymbols> LiteralSymbols() {
     std::array<uint32_t, kLiteralSymbols> entries{};
     for (size_t byte = 0; byte < 256; ++byte) {
@@ -27,10 +48,9 @@ constexpr std::array<uint32_t, kLiteralSymbols> LiteralSymbols() {
     }
     entries[kEndOfBlockSymbol] = kEntryExceptional | kEntryEndOfBlock;
     uint32_t base = 3;
-    for (unsigned i = 0; i < 28; ++i) {
-        const unsigned extraBits = i < 8 ? 0 : (i - 4) / 4;
-        entries[257 + i] = SymbolEntry(base, extraBits);
-        base += 1U << extraBits;
+    for (unsigned i = 0; i < kMatchLengthSymbols - 1; ++i) {
+        entries[257 + i] = SymbolEntry(base, MatchLengthExtraBits(i));
+        base += 1U << MatchLengthExtraBits(i);
     }
     entries[285] = SymbolEntry(258, 0);
     entries[286] = kEntryExceptional | SymbolEntry(286, 0);
@@ -41,27 +61,37 @@ constexpr std::array<uint32_t, kLiteralSymbols> LiteralSymbols() {
 constexpr std::array<uint32_t, kDistanceSymbols> DistanceSymbols() {
     std::array<uint32_t, kDistanceSymbols> entries{};
     uint32_t base = 1;
-    for (unsigned symbol = 0; symbol < 30; ++symbol) {
-        const unsigned extraBits = symbol < 4 ? 0 : (symbol - 2) / 2;
-        entries[symbol] = SymbolEntry(base, extraBits);
-        base += 1U << extraBits;
+    for (unsigned symbol = 0; symbol < kUsedDistanceSymbols; ++symbol) {
+        entries[symbol] = SymbolEntry(base, DistanceExtraBits(symbol));
+        base += 1U << DistanceExtraBits(symbol);
     }
     entries[30] = kEntryExceptional | SymbolEntry(30, 0);
     entries[31] = kEntryExceptional | SymbolEntry(31, 0);
     return entries;
 }
 
-constexpr auto kLengthEntries = LengthSymbols();
+constexpr auto kCodeLengthEntries = CodeLengthSymbols();
 constexpr auto kLiteralEntries = LiteralSymbols();
 constexpr auto kDistanceEntries = DistanceSymbols();
+// The runs of bases end where the format says: at 258 and at 32 KiB.
+static_assert(EntryValue(kLiteralEntries[284]) + (1U << kMaxLengthExtraBits) - 1 == 258);
+static_assert(EntryValue(kDistanceEntries[29]) + (1U << kMaxDistanceExtraBits) - 1 == 32768);
 
 constexpr uint32_t WithCodeBits(uint32_t symbolEntry, unsigned codeBits) {
     return symbolEntry + (codeBits << 8) + codeBits;
 }
 
-// Codes are read from their first bit on but indexed from the lowest: the next code of the same
-// length has its bits counted up from the top. From the last code, all ones, it is 0.
-uint32_t NextReversedCode(uint32_t code, unsigned bits) {
+// Canonical codes of one length are consecutive numbers, but a code's first bit is its highest,
+// and the stream delivers that first, as its lowest. Codes are therefore kept reversed, and
+// counting up carries from the top down:
+//
+//      code      0110  ->  0111  ->  1000          (as written down)
+//      reversed  0110  ->  1110  ->  0001          (as indexed)
+//
+// The highest zero becomes a one, all ones above it become zeros. A code one bit longer than its
+// predecessor has a 0 at its end, the new top of the reversed number, which is there already. From
+// the last code, all ones, it is 0.
+constexpr uint32_t NextReversedCode(uint32_t code, unsigned bits) {
     const uint32_t zeros = code ^ ((1U << bits) - 1);
     if (zeros == 0) {
         return 0;
@@ -69,6 +99,7 @@ uint32_t NextReversedCode(uint32_t code, unsigned bits) {
     const uint32_t bit = std::bit_floor(zeros);
     return (code & (bit - 1)) | bit;
 }
+static_assert(NextReversedCode(0b0110, 4) == 0b1110 && NextReversedCode(0b1110, 4) == 0b0001);
 
 struct CodeShape {
     std::array<unsigned, kMaxCodeBits + 1> count{};  // symbols by code length
@@ -77,13 +108,16 @@ struct CodeShape {
     bool isComplete = false;
     bool isOverSubscribed = false;
 
-    explicit CodeShape(std::span<const uint8_t> lengths) {
+    // Sorts by counting. Lengths are a code exactly when their shares of all 2^15 bit patterns of
+    // the greatest length, 2^(15 - n) for a code of n bits, add up to no more than all of them
+    // (Kraft's inequality); when they add up to all, every pattern means something.
+    constexpr explicit CodeShape(std::span<const uint8_t> lengths) {
         for (const uint8_t length : lengths) {
             ++count[length];
         }
         count[0] = 0;
         std::array<unsigned, kMaxCodeBits + 2> place{};
-        uint32_t taken = 0;  // in codes of the greatest length
+        uint32_t taken = 0;
         for (unsigned bits = 1; bits <= kMaxCodeBits; ++bits) {
             place[bits + 1] = place[bits] + count[bits];
             taken += count[bits] << (kMaxCodeBits - bits);
@@ -97,12 +131,16 @@ struct CodeShape {
             }
         }
     }
+    static_assert(uint64_t{kLiteralSymbols} << (kMaxCodeBits - 1) <= UINT32_MAX, "`taken` fits");
 };
 
 // Index bits of the subtable whose first code has `bits` bits, `tableBits` of them in the first
-// table: as many as the codes still to come need to fill it. `left` counts those, by length.
-unsigned SubtableBits(const std::array<unsigned, kMaxCodeBits + 1>& left, unsigned bits,
-                      unsigned tableBits) {
+// table: as many as the codes still to come need to fill it. Codes come shortest first, so those
+// of this subtable are the next ones; taking one bit more doubles what they have filled so far.
+// `left` counts the codes to come, by length. A complete code always fills it in the end, at the
+// longest code at the latest, which keeps the index below kMaxCodeBits + 1.
+constexpr unsigned SubtableBits(const std::array<unsigned, kMaxCodeBits + 1>& left, unsigned bits,
+                                unsigned tableBits) {
     unsigned indexBits = bits - tableBits;
     for (uint32_t filled = left[bits]; filled < 1U << indexBits;) {
         ++indexBits;
@@ -111,10 +149,18 @@ unsigned SubtableBits(const std::array<unsigned, kMaxCodeBits + 1>& left, unsign
     return indexBits;
 }
 
-// The table of a complete code. The first table is filled by doubling: when all codes of up to n
-// bits stand in its first 2^n places, a copy of these behind them is right for n + 1 bits.
-bool BuildComplete(CodeShape& shape, std::span<const uint32_t> symbolEntries,
-                   std::span<uint32_t> storage, unsigned tableBits) {
+// The table of a complete code, built in the order of the codes.
+//
+// First the codes that fit the first table. It grows by doubling: when all codes of up to n bits
+// stand in its first 2^n places, the bit above them may be anything, so a copy of these places
+// behind them is right for n + 1 bits, and the codes of n + 1 bits overwrite what is still free.
+//
+// Then the longer codes, subtable by subtable. As codes are consecutive, those that share their
+// first bits follow each other: a prefix that differs from the one before opens a new subtable
+// behind what is used. Within it, a code that is shorter than the index repeats at every distance
+// of its own size, because the bits above it may be anything.
+constexpr bool BuildComplete(CodeShape& shape, std::span<const uint32_t> symbolEntries,
+                             std::span<uint32_t> storage, unsigned tableBits) {
     const uint16_t* symbol = shape.sorted.data();
     uint32_t code = 0;
     storage[0] = 0;
@@ -138,6 +184,7 @@ bool BuildComplete(CodeShape& shape, std::span<const uint32_t> symbolEntries,
                 start = used;
                 size = size_t{1} << indexBits;
                 used += size;
+                // The tables' sizes make this impossible; it is what memory safety rests on.
                 if (used > storage.size()) {
                     return false;
                 }
@@ -162,8 +209,8 @@ struct AlphabetTraits {
 
 AlphabetTraits TraitsOf(HuffmanAlphabet alphabet) {
     switch (alphabet) {
-        case HuffmanAlphabet::Lengths:
-            return {kLengthEntries, kLengthTableBits, false};
+        case HuffmanAlphabet::CodeLengths:
+            return {kCodeLengthEntries, kCodeLengthTableBits, false};
         case HuffmanAlphabet::Literals:
             return {kLiteralEntries, kLiteralTableBits, true};
         default:
@@ -171,29 +218,36 @@ AlphabetTraits TraitsOf(HuffmanAlphabet alphabet) {
     }
 }
 
-struct FixedTables {
-    std::array<uint32_t, kLiteralTableSize> literalStorage;
-    std::array<uint32_t, kDistanceTableSize> distanceStorage;
-    HuffmanTable literals;
-    HuffmanTable distances;
-
-    FixedTables() {
-        std::array<uint8_t, kLiteralSymbols> lengths;
-        std::fill_n(lengths.begin(), 144, uint8_t{8});
-        std::fill_n(lengths.begin() + 144, 112, uint8_t{9});
-        std::fill_n(lengths.begin() + 256, 24, uint8_t{7});
-        std::fill_n(lengths.begin() + 280, 8, uint8_t{8});
-        BuildHuffmanTable(HuffmanAlphabet::Literals, lengths, literalStorage, literals);
-        std::fill_n(lengths.begin(), kDistanceSymbols, uint8_t{5});
-        BuildHuffmanTable(HuffmanAlphabet::Distances, std::span(lengths).first(kDistanceSymbols),
-                          distanceStorage, distances);
-    }
-};
-
-const FixedTables& Fixed() {
-    static const FixedTables tables;
-    return tables;
+// The fixed codes are tables of this program: their longest code indexes them, so that they need
+// no subtables.
+template <unsigned kBits>
+constexpr auto FixedTable(std::span<const uint8_t> lengths,
+                          std::span<const uint32_t> symbolEntries) {
+    std::array<uint32_t, size_t{1} << kBits> entries{};
+    CodeShape shape(lengths);
+    return shape.isComplete && shape.longest == kBits &&
+                   BuildComplete(shape, symbolEntries, entries, kBits)
+               ? entries
+               : throw "no fixed code";
 }
+
+constexpr unsigned kFixedLiteralBits = 9;
+constexpr unsigned kFixedDistanceBits = 5;
+
+constexpr auto kFixedLiteralEntries = [] {
+    std::array<uint8_t, kLiteralSymbols> lengths;
+    std::fill_n(lengths.begin(), 144, uint8_t{8});
+    std::fill_n(lengths.begin() + 144, 112, uint8_t{9});
+    std::fill_n(lengths.begin() + 256, 24, uint8_t{7});
+    std::fill_n(lengths.begin() + 280, 8, uint8_t{8});
+    return FixedTable<kFixedLiteralBits>(lengths, kLiteralEntries);
+}();
+
+constexpr auto kFixedDistanceEntries = [] {
+    std::array<uint8_t, kDistanceSymbols> lengths;
+    lengths.fill(kFixedDistanceBits);
+    return FixedTable<kFixedDistanceBits>(lengths, kDistanceEntries);
+}();
 
 }  // namespace
 
@@ -208,6 +262,8 @@ bool BuildHuffmanTable(HuffmanAlphabet alphabet, std::span<const uint8_t> length
     if (!traits.maybeIncomplete || shape.isOverSubscribed || shape.longest > 1) {
         return false;
     }
+    // One code of 1 bit, which is 0, or none: the patterns that are left over consume a bit, so
+    // that they cannot be met beyond the end of the input (see NextEntry).
     const uint32_t invalid = WithCodeBits(kEntryExceptional, 1);
     storage[0] =
         shape.longest == 0 ? invalid : WithCodeBits(traits.symbolEntries[shape.sorted[0]], 1);
@@ -216,11 +272,11 @@ bool BuildHuffmanTable(HuffmanAlphabet alphabet, std::span<const uint8_t> length
 }
 
 HuffmanTable FixedLiteralTable() {
-    return Fixed().literals;
+    return {kFixedLiteralEntries.data(), kFixedLiteralBits};
 }
 
 HuffmanTable FixedDistanceTable() {
-    return Fixed().distances;
+    return {kFixedDistanceEntries.data(), kFixedDistanceBits};
 }
 
 }  // namespace imgbasic

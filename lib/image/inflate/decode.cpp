@@ -5,14 +5,43 @@
 namespace imgbasic {
 namespace {
 
+// A dynamic block's header, lowest bits first, and what follows it:
+//
+//      literal codes - 257 | distance codes - 1 | code lengths - 4 | 3 bits for each of them | ...
+//             5 bits               5 bits              4 bits
+//
+// The counts could announce 288 literals and 32 distances; only these many are allowed.
 constexpr size_t kMaxLiteralCodes = 286;
 constexpr size_t kMaxDistanceCodes = 30;
+constexpr unsigned kHeaderBits = 5 + 5 + 4;
+static_assert(kHeaderBits <= BitReader::kMostNeeded);
+static_assert(kMaxLiteralCodes <= kLiteralSymbols && kMaxDistanceCodes <= kDistanceSymbols);
+static_assert(kEndOfBlockSymbol < 257, "there is always a length for it");
+static_assert(4 + LowBits(~0U, 4) == kCodeLengthSymbols, "no count is too large for them");
 
+// From this code length symbol on, they repeat one.
 constexpr uint32_t kRepeatPrevious = 16;
+struct Repeat {
+    unsigned extraBits;
+    size_t least;
+};
+constexpr std::array<Repeat, 3> kRepeats{{{2, 3}, {3, 3}, {7, 11}}};
+static_assert(kRepeatPrevious + kRepeats.size() == kCodeLengthSymbols);
+
+// The order in which the code of the code lengths is written: what is seldom used comes last, so
+// that it can be left out.
+constexpr std::array<uint8_t, kCodeLengthSymbols> kCodeLengthOrder{
+    16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1, 15};
 
 // Looks the next symbol up and makes sure of its code's and extra bits; false when the input
-// ends before. Missing bits read as zeros, which can only lead to an entry of more bits than
-// there are.
+// ends before. Afterwards a subtable pointer's bits are taken, the symbol's are not.
+//
+// How many bits a symbol needs is known only from its entry. So the lookup is tried with the bits
+// that are there, and repeated with a byte more while they are fewer than what it finds needs.
+// The bits that are missing read as zeros and may find any symbol; but an entry that needs no more
+// bits than are there depends on these alone, and is the stream's. Every entry needs at least one
+// bit, so that an empty reader reads on.
+static_assert(kMaxCodeBits + kMaxDistanceExtraBits <= BitReader::kMostNeeded);
 bool NextEntry(BitReader& reader, const HuffmanTable& table, uint32_t& entry) {
     for (;;) {
         unsigned pointerBits = 0;
@@ -31,6 +60,7 @@ bool NextEntry(BitReader& reader, const HuffmanTable& table, uint32_t& entry) {
     }
 }
 
+// Takes code and extra bits together; the extra bits, above the code's, are added to the base.
 uint32_t TakeValue(BitReader& reader, uint32_t entry) {
     const uint32_t own = reader.Take(EntryBits(entry)) >> EntryCodeBits(entry);
     return EntryValue(entry) + own;
@@ -83,6 +113,7 @@ void InflateDecoder::ReadBlockHeader() {
 
 void InflateDecoder::ReadStoredHeader() {
     reader_.AlignToByte();
+    // Into an empty reader Need reads whole bytes, no more than it is asked for.
     if (!reader_.Need(32)) {
         return Fail(InflateFault::InputEnd);
     }
@@ -95,6 +126,7 @@ void InflateDecoder::ReadStoredHeader() {
     stage_ = Stage::Stored;
 }
 
+// AlignToByte has left the reader without bits: the block's bytes begin at `next`.
 void InflateDecoder::CopyStored(InflateOutput& output) {
     const size_t count =
         std::min({size_t{storedLeft_}, static_cast<size_t>(reader_.end - reader_.next),
@@ -110,32 +142,32 @@ void InflateDecoder::CopyStored(InflateOutput& output) {
 }
 
 void InflateDecoder::ReadDynamicHeader() {
-    static constexpr std::array<uint8_t, kLengthSymbols> kOrder{16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
-                                                                11, 4,  12, 3, 13, 2, 14, 1, 15};
-    if (!reader_.Need(14)) {
+    if (!reader_.Need(kHeaderBits)) {
         return Fail(InflateFault::InputEnd);
     }
     const size_t literalCodes = reader_.Take(5) + 257;
     const size_t distanceCodes = reader_.Take(5) + 1;
-    const size_t lengthCodes = reader_.Take(4) + 4;
+    const size_t codeLengthCodes = reader_.Take(4) + 4;
     if (literalCodes > kMaxLiteralCodes || distanceCodes > kMaxDistanceCodes) {
         return Fail(InflateFault::TooManyCodes);
     }
-    std::array<uint8_t, kLengthSymbols> lengthLengths{};
-    for (size_t i = 0; i < lengthCodes; ++i) {
+    std::array<uint8_t, kCodeLengthSymbols> codeLengthLengths{};
+    for (size_t i = 0; i < codeLengthCodes; ++i) {
         if (!reader_.Need(3)) {
             return Fail(InflateFault::InputEnd);
         }
-        lengthLengths[kOrder[i]] = static_cast<uint8_t>(reader_.Take(3));
+        codeLengthLengths[kCodeLengthOrder[i]] = static_cast<uint8_t>(reader_.Take(3));
     }
-    std::array<uint32_t, kLengthTableSize> lengthStorage;
-    HuffmanTable lengthTable;
-    if (!BuildHuffmanTable(HuffmanAlphabet::Lengths, lengthLengths, lengthStorage, lengthTable)) {
-        return Fail(InflateFault::LengthCode);
+    std::array<uint32_t, kCodeLengthTableSize> codeLengthStorage;
+    HuffmanTable codeLengthTable;
+    if (!BuildHuffmanTable(HuffmanAlphabet::CodeLengths, codeLengthLengths, codeLengthStorage,
+                           codeLengthTable)) {
+        return Fail(InflateFault::CodeLengthCode);
     }
+    // The lengths of both codes are one sequence: a repeat may run from one into the other.
     std::array<uint8_t, kMaxLiteralCodes + kMaxDistanceCodes> storage;
     const std::span<uint8_t> lengths = std::span(storage).first(literalCodes + distanceCodes);
-    if (!ReadCodeLengths(lengthTable, lengths)) {
+    if (!ReadCodeLengths(codeLengthTable, lengths)) {
         return;
     }
     if (lengths[kEndOfBlockSymbol] == 0 ||
@@ -150,10 +182,11 @@ void InflateDecoder::ReadDynamicHeader() {
     stage_ = Stage::Compressed;
 }
 
-bool InflateDecoder::ReadCodeLengths(const HuffmanTable& lengthTable, std::span<uint8_t> lengths) {
+// Fills all of `lengths`, or fails.
+bool InflateDecoder::ReadCodeLengths(const HuffmanTable& table, std::span<uint8_t> lengths) {
     for (size_t i = 0; i < lengths.size();) {
         uint32_t entry;
-        if (!NextEntry(reader_, lengthTable, entry)) {
+        if (!NextEntry(reader_, table, entry)) {
             Fail(InflateFault::InputEnd);
             return false;
         }
@@ -162,11 +195,6 @@ bool InflateDecoder::ReadCodeLengths(const HuffmanTable& lengthTable, std::span<
             lengths[i++] = static_cast<uint8_t>(symbol);
             continue;
         }
-        struct Repeat {
-            unsigned extraBits;
-            size_t least;
-        };
-        static constexpr std::array<Repeat, 3> kRepeats{{{2, 3}, {3, 3}, {7, 11}}};
         const Repeat repeat = kRepeats[symbol - kRepeatPrevious];
         if (!reader_.Need(repeat.extraBits)) {
             Fail(InflateFault::InputEnd);
@@ -174,7 +202,7 @@ bool InflateDecoder::ReadCodeLengths(const HuffmanTable& lengthTable, std::span<
         }
         const size_t count = repeat.least + reader_.Take(repeat.extraBits);
         if (count > lengths.size() - i || (symbol == kRepeatPrevious && i == 0)) {
-            Fail(InflateFault::LengthRepeat);
+            Fail(InflateFault::CodeLengthRepeat);
             return false;
         }
         const uint8_t length = symbol == kRepeatPrevious ? lengths[i - 1] : uint8_t{0};
@@ -185,6 +213,7 @@ bool InflateDecoder::ReadCodeLengths(const HuffmanTable& lengthTable, std::span<
 }
 
 void InflateDecoder::DecodeCompressed(InflateOutput& output) {
+    // First what the output had no room for the last time.
     CopyMatch(output);
     SymbolRun run = DecodeFast(reader_, output, codes_);
     if (run.outcome == SymbolRun::NearAnEnd) {
@@ -205,6 +234,8 @@ void InflateDecoder::DecodeCompressed(InflateOutput& output) {
     }
 }
 
+// One symbol after the other, with every bit and every byte checked. A match stays in the members
+// until it is copied: when the output is full before that, the next call goes on with it.
 SymbolRun InflateDecoder::DecodeCarefully(InflateOutput& output) {
     while (output.next != output.end) {
         uint32_t entry;
@@ -239,6 +270,7 @@ SymbolRun InflateDecoder::DecodeCarefully(InflateOutput& output) {
     return {SymbolRun::OutputFull};
 }
 
+// Byte by byte, since a match may overlap what it copies: a distance of 1 repeats one byte.
 void InflateDecoder::CopyMatch(InflateOutput& output) {
     for (; matchLeft_ > 0 && output.next != output.end; --matchLeft_, ++output.next) {
         *output.next = *(output.next - matchDistance_);

@@ -14,16 +14,16 @@ namespace imgbasic {
 struct InflateFault {
     enum Kind {
         None,
-        InputEnd,       ///< the input ends before the stream does
-        BlockType,      ///< the reserved block type
-        StoredLength,   ///< a stored block's length and complement disagree: the two
-        TooManyCodes,   ///< a dynamic block declares more codes than the alphabets have
-        LengthCode,     ///< the code of the code lengths is over-subscribed or incomplete
-        LengthRepeat,   ///< a code length is repeated that is not there or beyond the last one
-        LiteralTable,   ///< the literal code is no complete code or lacks the end of the block
-        DistanceTable,  ///< the distance code is no complete code
-        BadLiteral,     ///< no valid literal or length: symbol (0 if none), table entry
-        BadDistance,    ///< no valid distance or one before the start: distance, table entry
+        InputEnd,          ///< the input ends before the stream does
+        BlockType,         ///< the reserved block type
+        StoredLength,      ///< a stored block's length and complement disagree: the two
+        TooManyCodes,      ///< a dynamic block declares more codes than the alphabets have
+        CodeLengthCode,    ///< the code of the code lengths is over-subscribed or incomplete
+        CodeLengthRepeat,  ///< a code length is repeated that is not there or beyond the last one
+        LiteralTable,      ///< the literal code is no complete code or lacks the end of the block
+        DistanceTable,     ///< the distance code is no complete code
+        BadLiteral,        ///< no valid literal or length: symbol (0 if none), table entry
+        BadDistance,       ///< no valid distance or one before the start: distance, table entry
     };
     Kind kind = None;
     uint32_t first = 0;
@@ -33,6 +33,18 @@ struct InflateFault {
 /// A decoder of raw DEFLATE data (Deutsch, RFC 1951, 1996). It accepts and rejects what zlib
 /// does: codes must be complete except for a single code of 1 bit or no distance code at all,
 /// and a distance may lead back to the start of the output but not before it.
+///
+/// It can stop before any byte of output and go on later: between calls everything is in the
+/// stage, in what is left of a stored block or of a match, and in the reader.
+///
+///      BlockHeader --> Stored ------> BlockHeader       when all its bytes are copied
+///                 \-> Compressed --> BlockHeader       at the end of the block
+///                  \-> Finished                        behind the last block; from any stage,
+///                                                      with a fault
+///
+/// A block's symbols are decoded by two loops. DecodeFast does what is far from both ends of the
+/// buffers and checks them once a symbol; what it leaves is done here, with a check before every
+/// bit and every byte.
 class InflateDecoder {
   public:
     /// Borrows the bytes.
@@ -53,7 +65,7 @@ class InflateDecoder {
     void ReadBlockHeader();
     void ReadStoredHeader();
     void ReadDynamicHeader();
-    bool ReadCodeLengths(const HuffmanTable& lengthTable, std::span<uint8_t> lengths);
+    bool ReadCodeLengths(const HuffmanTable& table, std::span<uint8_t> lengths);
     void CopyStored(InflateOutput& output);
     void DecodeCompressed(InflateOutput& output);
     SymbolRun DecodeCarefully(InflateOutput& output);

@@ -43,9 +43,9 @@ void LogFault(const InflateFault& fault, const KVString& fileName) {
                        fault.first, fault.second, dash, name);
         case InflateFault::TooManyCodes:
             return Log("[KVInflate]ハフマンテーブルがバッファに収まらない\n");
-        case InflateFault::LengthCode:
+        case InflateFault::CodeLengthCode:
             return plain("ハフマンコードが異常");
-        case InflateFault::LengthRepeat:
+        case InflateFault::CodeLengthRepeat:
             return plain("ビット長のリピート値が異常");
         case InflateFault::LiteralTable:
             return plain("長さのハフマンテーブルが異常");

@@ -31,8 +31,8 @@ namespace imgbasic {
 ///   データが足りない - %s              the DEFLATE data ends before the announced size
 ///   ファイル読み込みエラー             no such header, or the input ends before the DEFLATE data
 ///   ブロックサイズが異常(len:0x%04x, xlen:0x%04x)   InflateFault::StoredLength
-///   ハフマンコードが異常               InflateFault::LengthCode
-///   ビット長のリピート値が異常         InflateFault::LengthRepeat
+///   ハフマンコードが異常               InflateFault::CodeLengthCode
+///   ビット長のリピート値が異常         InflateFault::CodeLengthRepeat
 ///   長さのハフマンテーブルが異常       InflateFault::LiteralTable
 ///   距離のハフマンテーブルが異常       InflateFault::DistanceTable
 ///   不正なブロックタイプ               InflateFault::BlockType

@@ -5,6 +5,21 @@
 namespace imgbasic {
 namespace {
 
+// From boxes to colours, with one pass over the image. Three grids of colour space meet here, each
+// cell of one inside a cell of the next (a channel's bits, for a shift of 5):
+//
+//      colour               7 6 5 4 3 2 1 0       what a mean is taken of
+//      histogram cell       7 6 5 4 3             ColorHistogram, 5 bits
+//      second cut           7 6 5 4               shift - 1: where a box is cut in halves
+//      coarse colour        7 6 5                 shift: what the boxes are made of
+//
+// A histogram cell thus lies in one half of one box as a whole. Its place in the histogram's table,
+// which is not needed for counting any more, gets that half's number, and the pass over the image
+// looks up for each colour to which sum it is added.
+static_assert(ColorHistogram::kBits >= 8 - (kLeastCoarseShift - 1));
+static_assert(1 << (8 - (kLeastCoarseShift - 1)) <= ColorBox::kMaxLevels);
+static_assert(2 * kMaxBoxes <= UINT32_MAX, "numbers of halves in the histogram's table");
+
 /// Pixels that will share a mean.
 struct ColorSum {
     std::array<uint64_t, kColorChannels> total{};
@@ -18,6 +33,7 @@ struct ColorSum {
         return sum;
     }
 
+    /// Rounded to nearest, halves up. No channel's mean exceeds 255, so none reaches into the next.
     KVColorPalette Mean() const {
         uint64_t word = 0;
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
@@ -47,14 +63,14 @@ std::vector<uint8_t> BoxTable(const std::vector<CoarseColor>& coarse) {
     return table;
 }
 
-/// Cuts the boxes and puts the number of each cell's half, 2 * box or 2 * box + 1, into the
-/// cells' table.
-std::vector<Halves> CutInHalves(ColorHistogram& cells, const std::vector<CoarseColor>& coarse,
+/// Cuts the boxes by the median rule once more, with a quarter as the least part, and puts the
+/// number of each cell's half, 2 * box or 2 * box + 1, into the histogram's table.
+std::vector<Halves> CutInHalves(ColorHistogram& histogram, const std::vector<CoarseColor>& coarse,
                                 int shift, size_t boxCount) {
     constexpr uint64_t kDivisor = 4;
     const auto boxOf = BoxTable(coarse);
     std::vector<ColorBox> fine(boxCount);
-    for (const auto& [number, count] : cells.Occupied()) {
+    for (const auto& [number, count] : histogram.Occupied()) {
         ColorBox& box = fine[boxOf[CoarseCell(number, shift)]];
         box.count += count;
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
@@ -68,8 +84,8 @@ std::vector<Halves> CutInHalves(ColorHistogram& cells, const std::vector<CoarseC
         halves[box].lower.count = cut ? cut->lower : fine[box].count;
         halves[box].upper.count = fine[box].count - halves[box].lower.count;
     }
-    const auto table = cells.Table();
-    for (const auto& [number, count] : cells.Occupied()) {
+    const auto table = histogram.Table();
+    for (const auto& [number, count] : histogram.Occupied()) {
         const uint32_t box = boxOf[CoarseCell(number, shift)];
         const auto& cut = halves[box].cut;
         const bool upper = cut && ShiftedLevel(number, cut->channel, shift - 1) > cut->end;
@@ -78,6 +94,7 @@ std::vector<Halves> CutInHalves(ColorHistogram& cells, const std::vector<CoarseC
     return halves;
 }
 
+/// Sums of 64 bits: 2^32 pixels of 255 at most.
 void SumColors(const CountedColors& image, std::span<const uint32_t> halfOfCell,
                std::vector<Halves>& halves) {
     std::vector<std::array<uint64_t, kColorChannels>> totals(2 * halves.size());
@@ -105,11 +122,13 @@ bool AddIfNew(KVArray<KVColorPalette>& entries, const KVColorPalette& entry) {
 
 }  // namespace
 
-void AddBoxMeans(const CountedColors& image, ColorHistogram& cells,
+void AddBoxMeans(const CountedColors& image, ColorHistogram& histogram,
                  const std::vector<CoarseColor>& coarse, int shift, const ColorBoxes& boxes,
                  KVArray<KVColorPalette>& entries) {
-    auto halves = CutInHalves(cells, coarse, shift, boxes.boxes.size());
-    SumColors(image, cells.Table(), halves);
+    // Two boxes may have the same mean. A colour that is there already is not added, which leaves
+    // room for another box's second colour; a box of two colours takes one from that room.
+    auto halves = CutInHalves(histogram, coarse, shift, boxes.boxes.size());
+    SumColors(image, histogram.Table(), halves);
     size_t spare = kMaxBoxes - halves.size();
     for (const size_t number : boxes.order) {
         const Halves& half = halves[number];

@@ -9,14 +9,17 @@
 
 namespace imgbasic {
 
-/// Finds the nearest of the entries that it is shown one after the other.
+/// The rule by which one entry is closer to a colour than another, applied to the entries that it
+/// is shown one after the other. In this order: with AlphaMode::First the closer alpha; the less
+/// squared distance; the less sum of absolute differences, alpha's always among them; and of
+/// equals in everything the one that was shown first.
 class ClosestEntryRule {
   public:
     /// `alphaInDistance`: whether alpha is a channel of the squared distance.
     ClosestEntryRule(AlphaMode mode, bool alphaInDistance, uint32_t query)
         : mode_(mode), channels_(alphaInDistance ? 4 : 3), query_(query) {}
 
-    /// True when this entry ends the search.
+    /// True when this entry ends the search: it is the best so far, at distance zero.
     bool Compare(uint32_t color, int32_t index) {
         const int alphaDistance = std::abs(ChannelOf(query_, 3) - ChannelOf(color, 3));
         if (mode_ == AlphaMode::First && alphaDistance > bestAlpha_) {

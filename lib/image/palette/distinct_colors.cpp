@@ -7,14 +7,16 @@
 namespace imgbasic {
 namespace {
 
-/// Which entry a colour has, by open addressing; a quarter full at most.
+/// Which entry a colour has, by open addressing. The slots are a quarter full at most, so that a
+/// search meets a free one soon; the multiplier is 2^32 over the golden ratio (Knuth), whose upper
+/// bits scatter colours that differ in few bits.
 class EntryTable {
   public:
     static constexpr size_t kNone = static_cast<size_t>(-1);
 
     /// The slot that holds the colour, or the free one where it belongs.
     size_t SlotOf(uint32_t color) const {
-        size_t slot = color * 0x9E3779B1U >> 22;
+        size_t slot = color * 0x9E3779B1U >> (32 - kSlotBits);
         while (slots_[slot].entryPlus1 != 0 && slots_[slot].color != color) {
             slot = (slot + 1) % kSlots;
         }
@@ -26,7 +28,9 @@ class EntryTable {
     }
 
   private:
-    static constexpr size_t kSlots = 1024;
+    static constexpr unsigned kSlotBits = 10;
+    static constexpr size_t kSlots = size_t{1} << kSlotBits;
+    static_assert(kSlots >= 4 * 256, "a palette has 256 entries at most");
 
     struct Slot {
         uint32_t color;

@@ -20,9 +20,20 @@ Channel* LongestChannel(ColorBox& box) {
     return longest;
 }
 
-/// The last level of the lower part of a channel with an extent of 1 or more. Nothing when the
-/// parts would have fewer than `least` pixels, which only two levels, or a median at the first or
-/// the last level, can come to: a median in between is always taken.
+/// The last level of the lower part of a channel with an extent of 1 or more, or nothing. The
+/// median is the first level at which more than half of the pixels have been counted:
+///
+///      pixels     . : . | : . .          below   pixels before the median
+///      level    min ... median ... max   upTo    pixels up to and with it
+///
+/// The cut comes after the median, or before it where the part above would be too small. At the
+/// first level there is no "before", at the last no "after"; `least` pixels in the smaller part are
+/// insisted upon there, and for two levels. A median in between is always taken: with room above,
+/// after it; without, before it, unless there is too little below as well. Then neither side is
+/// good, and the part above takes what there is.
+///
+/// The median is found before the walk leaves the channel, since all levels together hold
+/// `count`, which is more than its half.
 std::optional<int> MedianEnd(const Channel& channel, uint64_t count, uint64_t least) {
     const auto at = [&](int level) { return channel.levels[static_cast<size_t>(level)]; };
     if (channel.Extent() == 1) {
@@ -46,7 +57,9 @@ std::optional<int> MedianEnd(const Channel& channel, uint64_t count, uint64_t le
     return roomAbove || below <= least ? median : median - 1;
 }
 
-/// The work of DivideIntoBoxes.
+/// The work of DivideIntoBoxes. A cut gives the upper part a new box and leaves the lower one in
+/// the old; each colour knows its box, so that both are counted anew in one pass over the colours.
+/// The order list says whose turn it is, and in the end which boxes give colours first.
 class BoxDivider {
   public:
     BoxDivider(std::vector<CoarseColor>& colors, ColorBoxes& result)
@@ -60,7 +73,13 @@ class BoxDivider {
         }
     }
 
-    /// Fully transparent pixels and fully opaque ones get boxes of their own.
+    /// Fully transparent pixels and fully opaque ones get boxes of their own, as far as there are
+    /// such and others:
+    ///
+    ///      alpha level     0   |   1 ... levels - 2   |   levels - 1
+    ///      box             0   |          1           |       2
+    ///
+    /// The second cut is made in the last box, which is the first where there was no first cut.
     void SplitByAlpha(int levels) {
         const Channel& all = boxes_[0].channels[kAlphaChannel];
         if (all.min == 0 && all.max >= 1) {
@@ -74,9 +93,14 @@ class BoxDivider {
     }
 
     /// Cuts in passes over all boxes, largest first. When nothing is left to cut, smaller parts
-    /// are allowed, three times since the last cut.
+    /// are allowed and every channel is tried again, three times since the last cut: the part
+    /// that an end must have goes from a quarter to an eighth, a sixteenth, a thirty-second. A
+    /// later cut does not make it larger again; pictures with few dominant and many rare colours
+    /// get that far, and beyond.
     void CutAll() {
-        constexpr uint64_t kGreatestDivisor = uint64_t{1} << 33;  // no box has as many pixels
+        // No box has as many pixels: from there on every divisor asks for none.
+        constexpr uint64_t kGreatestDivisor = uint64_t{1} << 33;
+        static_assert(kGreatestDivisor > UINT32_MAX);
         uint64_t divisor = 4;
         int idlePasses = 0;
         SortOrder();
@@ -111,6 +135,8 @@ class BoxDivider {
         box.count += color.count;
     }
 
+    /// Gives what lies above level `end` of the channel to a new box. Both boxes' references stay
+    /// good, since room for all boxes was reserved; the new one has nothing set aside.
     void Split(size_t number, size_t channel, int end) {
         order_.push_back(boxes_.size());
         ColorBox& upper = boxes_.emplace_back();
@@ -129,7 +155,8 @@ class BoxDivider {
         }
     }
 
-    /// Tries every box once; false when there is no room for more boxes.
+    /// Tries every box once, in the order as it stands now: the new boxes of a pass have their
+    /// turn in the next. False when there is no room for more boxes.
     bool CutOnce(uint64_t divisor) {
         const std::vector<size_t> pass = order_;
         for (const size_t number : pass) {

@@ -11,6 +11,7 @@
 namespace imgbasic {
 
 constexpr size_t kMaxBoxes = 256;
+static_assert(kMaxBoxes - 1 <= UINT8_MAX, "CoarseColor::box");
 
 /// The distinct colours of an image at a few levels per channel.
 struct CoarseColor {
@@ -20,7 +21,8 @@ struct CoarseColor {
 };
 
 /// Pixels within a range of levels of each channel. Heckbert's median cut (1982) divides such
-/// boxes.
+/// boxes, here by the histograms of their channels: what is known of a box is how many of its
+/// pixels have each level of each channel, not which colours they are.
 struct ColorBox {
     static constexpr int kMaxLevels = 32;
 
@@ -50,7 +52,8 @@ struct BoxCut {
 
 /// Cuts the longest channel near its median. Where a part would be a single pixel, or at an end
 /// of the channel less than a `divisor`th of the pixels, the channel is set aside and the next one
-/// tried. Of equally long channels alpha comes first, then green, red and blue.
+/// tried. Of equally long channels alpha comes first, then green, red and blue. Nothing when no
+/// channel is left; all that were tried stay set aside.
 std::optional<BoxCut> FindCut(ColorBox& box, uint64_t divisor);
 
 /// The boxes and the order in which they give colours to the palette.

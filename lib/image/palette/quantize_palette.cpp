@@ -34,15 +34,15 @@ struct CoarseColors {
     int shift;
 };
 
-/// The coarsest colours that are still enough for the precision, if any are.
-CoarseColors ChooseCoarse(const ColorHistogram& cells, int32_t precision) {
+/// The coarsest colours that are still enough for the precision, if any are; else the finest.
+CoarseColors ChooseCoarse(const ColorHistogram& histogram, int32_t precision) {
     const bool full = precision == kFullPrecision;
     const size_t threshold = full ? 64 : (size_t{1} << precision) / 2;
     CoarseColors coarse{{}, full ? 5 : 6};
-    coarse.colors = cells.Coarse(coarse.shift);
-    while (coarse.shift >= 5 && coarse.colors.size() <= threshold) {
+    coarse.colors = histogram.Coarse(coarse.shift);
+    while (coarse.shift > kLeastCoarseShift && coarse.colors.size() <= threshold) {
         --coarse.shift;
-        coarse.colors = cells.Coarse(coarse.shift);
+        coarse.colors = histogram.Coarse(coarse.shift);
     }
     return coarse;
 }
@@ -55,13 +55,13 @@ bool QuantizeColors(ReducePalette& palette, const CountedColors& image, int32_t 
     entries.clear();
     if (!CollectDistinctColors(image, size.limit, entries)) {
         entries.clear();
-        ColorHistogram cells(image);
-        if (cells.Table().empty()) {
+        ColorHistogram histogram(image);
+        if (histogram.Table().empty()) {
             return false;
         }
-        CoarseColors coarse = ChooseCoarse(cells, size.precision);
+        CoarseColors coarse = ChooseCoarse(histogram, size.precision);
         const ColorBoxes boxes = DivideIntoBoxes(coarse.colors, 256 >> coarse.shift);
-        AddBoxMeans(image, cells, coarse.colors, coarse.shift, boxes, entries);
+        AddBoxMeans(image, histogram, coarse.colors, coarse.shift, boxes, entries);
         ThinPalette(entries, size.limit);
     }
     FinishPalette(palette);

@@ -122,26 +122,26 @@ void FinishPalette(ReducePalette& palette) {
 }
 
 int32_t FindNearest(const ReducePalette& palette, uint32_t color) {
-    ClosestEntryRule nearest(palette.alphaMode, AlphaInFullDistance(palette), color);
+    ClosestEntryRule rule(palette.alphaMode, AlphaInFullDistance(palette), color);
     for (size_t i = 0; i < palette.entries.size(); ++i) {
-        if (nearest.Compare(palette.entries[i].Word(), static_cast<int32_t>(i))) {
+        if (rule.Compare(palette.entries[i].Word(), static_cast<int32_t>(i))) {
             break;
         }
     }
-    return nearest.Index();
+    return rule.Index();
 }
 
 int32_t FindNearestInGrid(const ReducePalette& palette, uint32_t color) {
     if (palette.Grid() == nullptr) {
         return -1;
     }
-    ClosestEntryRule nearest(palette.alphaMode, palette.alphaMode == AlphaMode::Axis, color);
+    ClosestEntryRule rule(palette.alphaMode, palette.alphaMode == AlphaMode::Axis, color);
     for (const uint8_t index : palette.Candidates(color)) {
-        if (nearest.Compare(palette.entries[index].Word(), index)) {
+        if (rule.Compare(palette.entries[index].Word(), index)) {
             break;
         }
     }
-    return nearest.Index();
+    return rule.Index();
 }
 
 }  // namespace imgbasic

@@ -32,8 +32,11 @@ void MeasureEntry(KVArray<KVColorPalette>& entries, size_t index) {
 
 }  // namespace
 
-// An entry's nearest neighbour never changes, since dropped entries still count: dropping the
-// closest entry until `limit` are left is the same as keeping the first `limit` in one order.
+// Thinning means to drop, until `limit` entries are left, the one that is closest to another (of
+// equals the one nearest to mid-grey, of equals in that too the last). Entries that were dropped
+// still count as neighbours. So no drop changes any distance: every round would sort by the same
+// keys and drop the last of the same order. Dropping one by one is keeping the first `limit` of
+// that order, sorted once.
 void ThinPalette(KVArray<KVColorPalette>& entries, size_t limit) {
     if (entries.size() <= limit) {
         return;

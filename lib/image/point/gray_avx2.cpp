@@ -6,7 +6,12 @@
 namespace imgbasic {
 namespace {
 
-// A pixel fills a lane of 64 bits; its gray value is made in the lane's low 32 bits.
+// A pixel fills a lane of 64 bits; its gray value is made in the lane's low 32 bits:
+//
+//      colors    | alpha | blue | green | red |      words 3, 2, 1, 0
+//      values    |   ?   |   ?  |   gray      |
+//
+// What stands in the words marked with ? does not matter: SpreadWord takes words 0 and 1 only.
 
 __m256i LargestChannel(__m256i colors) {
     return _mm256_max_epu16(
@@ -19,8 +24,11 @@ __m256i SmallestChannel(__m256i colors) {
 }
 
 /// r * R + g * G + b * B, where neither the sum nor a part of it may leave 32 bits.
-__m256i WeightedSum(__m256i colors, short r, short g, short b) {
-    // The multiplication takes signed words, so it gets channels less 0x8000.
+__m256i WeightedChannels(__m256i colors, short r, short g, short b) {
+    // madd multiplies signed words and adds them in pairs, red with green and blue with alpha; a
+    // shift brings the second sum under the first. Channels reach beyond signed words, so that they
+    // get 0x8000 taken off first (by XOR, which is the same), and the sum gets it back in one:
+    // r * (R - 0x8000) + ... + (r + g + b) * 0x8000. Nothing on the way leaves 32 bits.
     const __m256i weights = _mm256_setr_epi16(r, g, b, 0, r, g, b, 0, r, g, b, 0, r, g, b, 0);
     const __m256i offset = _mm256_set1_epi32((r + g + b) * 0x8000);
     const __m256i lessOffset =
@@ -57,11 +65,11 @@ __m256i GrayValues(__m256i colors) {
         }
         case GrayMode::RgbAverage:
             // 2^33 / 3, rounded up: exact for sums of 32 bits (Granlund and Montgomery, 1994).
-            return _mm256_srli_epi64(
-                _mm256_mul_epu32(WeightedSum(colors, 1, 1, 1), _mm256_set1_epi64x(0xAAAA'AAAB)),
-                33);
+            return _mm256_srli_epi64(_mm256_mul_epu32(WeightedChannels(colors, 1, 1, 1),
+                                                      _mm256_set1_epi64x(0xAAAA'AAAB)),
+                                     33);
         case GrayMode::NtscY:
-            return _mm256_srli_epi32(WeightedSum(colors, 4897, 9611, 1876), 14);
+            return _mm256_srli_epi32(WeightedChannels(colors, 4897, 9611, 1876), 14);
         case GrayMode::Value:
             return _mm256_slli_epi64(ToBytes(LargestChannel(colors)), 8);
         case GrayMode::Red:
@@ -74,8 +82,9 @@ __m256i GrayValues(__m256i colors) {
             return _mm256_slli_epi64(Saturation(colors), 8);
         case GrayMode::Cb:
         case GrayMode::Cr: {
-            const __m256i sum = kMode == GrayMode::Cb ? WeightedSum(colors, -2765, -5427, 8192)
-                                                      : WeightedSum(colors, -6860, -1332, 8192);
+            const __m256i sum = kMode == GrayMode::Cb
+                                    ? WeightedChannels(colors, -2765, -5427, 8192)
+                                    : WeightedChannels(colors, -6860, -1332, 8192);
             return _mm256_srai_epi32(_mm256_add_epi32(sum, _mm256_set1_epi32(kFullScale * 8192)),
                                      14);
         }
@@ -84,7 +93,13 @@ __m256i GrayValues(__m256i colors) {
     }
 }
 
-/// The colour channels' words are `value`'s word number `index` in its lane; alpha's are 0.
+/// The colour channels' words are `value`'s word number `index` in its lane; alpha's are 0:
+///
+///      value     | w3 | w2 | w1 | w0 |      index 0      |  0 | w0 | w0 | w0 |
+///
+/// Every byte of the shuffle's control is the number of the byte that goes there, within 128 bits;
+/// 0x80 gives 0. Word number i has the bytes 2 * i and 2 * i + 1, for i = 0 a control word of
+/// 0x0100, three times over for the colours. The second pixel of 128 bits has its bytes 8 higher.
 __m256i SpreadWord(__m256i value, int index) {
     const int word = 0x0100 + index * 0x0202;
     const long long low = word * 0x1'0001'0001LL + static_cast<long long>(0x8080'0000'0000'0000);
@@ -94,7 +109,8 @@ __m256i SpreadWord(__m256i value, int index) {
 
 template <GrayMode kMode>
 void GrayRowAvx2(RGBA16* dst, const RGBA16* src, size_t count, uint32_t tint, Store store) {
-    // Factors times 256, so that the high half of a product is the product divided by 256.
+    // Factors times 256, so that the high half of a product is the product divided by 256. The
+    // factors of red, green and blue, the lowest byte of 0x00RRGGBB, go to words 0, 1 and 2.
     const uint64_t factors = uint64_t{tint & 0xFF'0000} >> 8 | uint64_t{tint & 0xFF00} << 16 |
                              uint64_t{tint & 0xFF} << 40;
     const __m256i tints = _mm256_set1_epi64x(static_cast<long long>(factors));

@@ -6,6 +6,16 @@
 
 // The step that grayscale and two-level conversion share, for the files compiled for AVX2. All
 // of it has internal linkage, for the reason that vector_run.h gives.
+//
+// A pixel is a lane of 64 bits, its channels the lane's words:
+//
+//      bits   63 ... 48 | 47 ... 32 | 31 ... 16 | 15 ... 0
+//               alpha   |   blue    |   green   |   red
+//
+// Over transparent white a colour becomes (channel * alpha) * (1 / alpha), which would be the
+// channel itself but for rounding and truncating: it stays, or loses 1. So nothing is converted
+// back from doubles; only whether it loses 1 is found out, by comparing, and subtracted. Opaque
+// pixels stay as they are and fully transparent ones become white.
 namespace imgbasic {
 
 static inline __m256i AlphaLanes() {
@@ -19,7 +29,11 @@ static inline bool AreOpaque(__m256i pixels1, __m256i pixels2) {
     return _mm256_testz_si256(missing, AlphaLanes()) != 0;
 }
 
-/// 64-bit integers below 2^52 as doubles, which is exact.
+/// 64-bit integers below 2^52 as doubles, which is exact: they are the mantissa of a double from
+/// 2^52 on, whose last place is 1.
+///
+///      2^52           | sign, exponent: 0x433 |      0         |
+///      OR integer     |         0x433         |    integer     |   = 2^52 + integer
 static inline __m256d ToDouble(__m256i integers) {
     const __m256d offset = _mm256_set1_pd(0x1p52);
     return _mm256_sub_pd(
@@ -36,7 +50,8 @@ static inline __m256d DividedByFullScale(__m256d value) {
 
 /// All ones, which is -1, in the lanes where (channel * alpha) * inverse, truncated, is one less
 /// than `channel`, else 0. Three roundings are too few to miss it by more. The channel may be
-/// scaled by a power of two, which scales every step exactly.
+/// scaled by a power of two, which scales every step exactly: it is compared where it stands in its
+/// lane, without being shifted down. A mask of 64 ones is -1 in every word of it.
 static inline __m256i Shortfall(__m256i channel, __m256d alpha, __m256d inverse) {
     const __m256d whole = ToDouble(channel);
     const __m256d back = _mm256_mul_pd(_mm256_mul_pd(whole, alpha), inverse);
@@ -50,7 +65,8 @@ static inline __m256i OverTransparentWhiteAvx2(__m256i pixels) {
         return white;
     }
     const __m256i alphas = _mm256_srli_epi64(pixels, 48);
-    // A host may have unmasked the exception of a division by zero.
+    // A transparent pixel beside visible ones is divided as well, before its result is dropped; a
+    // host may have unmasked the exception of a division by zero.
     const __m256d whole = _mm256_max_pd(ToDouble(alphas), _mm256_set1_pd(1.0));
     const __m256d alpha = DividedByFullScale(whole);
     const __m256d inverse = _mm256_div_pd(_mm256_set1_pd(1.0), alpha);

@@ -30,7 +30,12 @@ struct Avx2Lanes {
         return _mm256_blendv_pd(no, yes, _mm256_castsi256_pd(mask));
     }
 
-    /// 2^52 plus a colour channel as it stands in the lane: times 1, 2^16 and 2^32.
+    /// 2^52 plus a colour channel as it stands in the lane, times 1, 2^16 or 2^32. The bits become
+    /// the mantissa of a double whose last place is 1:
+    ///
+    ///      bits      63 ... 52 | 47 ... 32 | 31 ... 16 | 15 ... 0
+    ///      pixel       alpha   |   blue    |   green   |   red
+    ///      raised      0x433   |     0     |   green   |    0        = 2^52 + green * 2^16
     template <int kChannel>
     static Doubles RaisedColour(Pixels pixels) {
         return Raise(_mm256_and_si256(pixels, _mm256_set1_epi64x(0xFFFFLL << kChannel * 16)));
@@ -45,7 +50,14 @@ struct Avx2Lanes {
     static Pixels Union(Pixels a, Pixels b) { return _mm256_or_si256(a, b); }
     static bool Any(Mask mask) { return _mm256_testz_si256(mask, mask) == 0; }
 
-    /// Truncates four channels of four pixels.
+    /// Truncates four channels of four pixels, to the low 16 bits of 32-bit integers.
+    ///
+    ///      Pair     | 0 | 0 | g | r |   and   | 0 | 0 | a | b |
+    ///      Pack     | a | b | g | r |
+    ///
+    /// Whatever does not fit 32 bits would become 0x8000'0000 and thus, by its low bits, 0; but the
+    /// conversion also raises an exception that a host may have unmasked. The values must fit in
+    /// all lanes, also in those that are not stored.
     static Pixels Pack(Doubles r, Doubles g, Doubles b, Doubles a) {
         return _mm256_or_si256(Pair(r, g), _mm256_slli_epi64(Pair(b, a), 32));
     }
@@ -64,7 +76,14 @@ struct Avx2Lanes {
     }
 
     /// Fetches pixels at four indices of a row, by a load and a permutation where the indices lie
-    /// so close together that the load cannot leave the row.
+    /// so close together that the load cannot leave the row:
+    ///
+    ///      row          | p0 | p1 | p2 | p3 |    four pixels from the first index on
+    ///      offsets        0    0    1    2       from the first index, ascending
+    ///      picked       | p0 | p0 | p1 | p2 |
+    ///
+    /// An index that is less than the first, or 4 and more beyond it, is an unsigned offset of 4
+    /// or more, with bits above the lowest two.
     class Picker {
       public:
         Picker(const int32_t* indices, int32_t width) : indices_(indices) {
@@ -72,7 +91,8 @@ struct Avx2Lanes {
             const __m128i offsets = _mm_sub_epi32(all, _mm_set1_epi32(*indices));
             const __m128i close = _mm_cmpeq_epi32(_mm_srli_epi32(offsets, 2), _mm_setzero_si128());
             together_ = *indices <= width - 4 && _mm_movemask_epi8(close) == 0xFFFF;
-            // A lane at offset n holds the 32-bit lanes 2n and 2n + 1.
+            // Only 32-bit lanes can be permuted: the pixel at offset n is the lanes 2n and 2n + 1,
+            // whose numbers stand in the two halves of the pixel's own lane.
             const __m256i low = _mm256_slli_epi64(_mm256_cvtepu32_epi64(offsets), 1);
             const __m256i high = _mm256_add_epi64(low, _mm256_set1_epi64x(1));
             permutation_ = _mm256_or_si256(low, _mm256_slli_epi64(high, 32));

@@ -28,7 +28,12 @@ struct Avx512Lanes {
         return _mm512_mask_blend_pd(mask, no, yes);
     }
 
-    /// 2^52 plus a colour channel as it stands in the lane: times 1, 2^16 and 2^32.
+    /// 2^52 plus a colour channel as it stands in the lane, times 1, 2^16 or 2^32. The bits become
+    /// the mantissa of a double whose last place is 1:
+    ///
+    ///      bits      63 ... 52 | 47 ... 32 | 31 ... 16 | 15 ... 0
+    ///      pixel       alpha   |   blue    |   green   |   red
+    ///      raised      0x433   |     0     |   green   |    0        = 2^52 + green * 2^16
     template <int kChannel>
     static Doubles RaisedColour(Pixels pixels) {
         return Raised(pixels, _mm512_set1_epi64(0xFFFFLL << kChannel * 16));
@@ -45,7 +50,14 @@ struct Avx512Lanes {
     static Pixels Union(Pixels a, Pixels b) { return _mm512_or_si512(a, b); }
     static bool Any(Mask mask) { return mask != 0; }
 
-    /// Truncates four channels of eight pixels.
+    /// Truncates four channels of eight pixels, to the low 16 bits of 32-bit integers.
+    ///
+    ///      Pair     | 0 | 0 | g | r |   and   | 0 | 0 | a | b |
+    ///      Pack     | a | b | g | r |
+    ///
+    /// Whatever does not fit 32 bits would become 0x8000'0000 and thus, by its low bits, 0; but the
+    /// conversion also raises an exception that a host may have unmasked. The values must fit in
+    /// all lanes, also in those that are not stored.
     static Pixels Pack(Doubles r, Doubles g, Doubles b, Doubles a) {
         return _mm512_or_si512(Pair(r, g), _mm512_slli_epi64(Pair(b, a), 32));
     }
@@ -63,7 +75,9 @@ struct Avx512Lanes {
     }
 
     /// Fetches pixels at eight indices of a row, by loads and a permutation where the indices lie
-    /// so close together that no load can leave the row.
+    /// so close together that no load can leave the row (see Avx2Lanes). One load reaches 8 pixels;
+    /// a permutation takes from two registers, so two reach 16; four are two such halves, of which
+    /// bit 4 of the offset chooses, since permutations look at the bits below only.
     class Picker {
       public:
         Picker(const int32_t* indices, int32_t width)
