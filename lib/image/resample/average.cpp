@@ -32,6 +32,15 @@ Span FindSpan(const ResampleAxis& axis, size_t i) {
             ToIndex(std::clamp(std::ceil(end), -kReach, limit))};
 }
 
+/// The greatest number of source columns under any destination column.
+size_t MostTaps(const ResampleAxis& axis) {
+    int64_t most = 0;
+    for (size_t i = 0; i < axis.Count(); ++i) {
+        most = std::max(most, FindSpan(axis, i).Count());
+    }
+    return static_cast<size_t>(most);
+}
+
 /// The tables of AverageRow.
 struct AverageColumns {
     size_t count = 0;
@@ -44,9 +53,7 @@ struct AverageColumns {
 AverageColumns FindColumns(const ResampleAxis& axis) {
     AverageColumns columns;
     columns.count = axis.Count();
-    for (size_t i = 0; i < axis.Count(); ++i) {
-        columns.taps = std::max(columns.taps, static_cast<size_t>(FindSpan(axis, i).Count()));
-    }
+    columns.taps = MostTaps(axis);
     const size_t entries = columns.taps * columns.count;
     columns.indices.resize(entries);
     columns.areaWeights.resize(entries);
@@ -99,7 +106,9 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
     }
     const ResampleAxis& rows = resampling->rows;
     const AverageColumns columns = FindColumns(resampling->columns);
+    // All memory is there before the first pixel is drawn: running out of it changes nothing.
     std::vector<AverageTap> taps;
+    taps.reserve(MostTaps(rows));
     for (size_t j = 0; j < rows.Count(); ++j) {
         const Span span = FindSpan(rows, j);
         taps.clear();

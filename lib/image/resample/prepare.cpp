@@ -1,5 +1,6 @@
 #include "lib/image/resample/prepare.h"
 
+#include <bit>
 #include <cmath>
 
 namespace imgbasic {
@@ -9,6 +10,19 @@ constexpr double kSmallest = 1e-6;  ///< a rectangle below this size is empty
 
 /// Beyond this a position has no fraction left, and no image reaches it.
 constexpr double kLargest = 4503599627370496.0;
+
+/// Whether a number given is finite and below 2^490. Clipping multiplies two such numbers (sums of
+/// a few of them, at most) and divides by kSmallest or more; so nothing on the way overflows. The
+/// exponent says it, as comparing NaN would raise an exception that a host may have unmasked.
+bool IsModerate(double value) {
+    constexpr uint64_t kExponentOfOne = 1023;
+    return (std::bit_cast<uint64_t>(value) >> 52 & 0x7FF) < kExponentOfOne + 490;
+}
+
+bool IsModerate(const ResampleRect& rect) {
+    return IsModerate(rect.x) && IsModerate(rect.y) && IsModerate(rect.width) &&
+           IsModerate(rect.height);
+}
 
 /// The two rectangles in one direction.
 struct Extents {
@@ -88,7 +102,6 @@ bool ClipToImages(Extents& columns, Extents& rows) {
 }
 
 bool AreUsable(const Extents& e) {
-    // Written so that NaN is refused too.
     return std::abs(e.source) < kLargest && std::abs(e.sourceSize) < kLargest &&
            std::abs(e.target) < kLargest && e.targetSize > 0 && e.targetSize < kLargest;
 }
@@ -123,7 +136,8 @@ std::optional<Resampling> PrepareResampling(const ResampleTarget& destination,
                                             const ResampleSource& source,
                                             std::optional<PixelRect> clip) {
     if (source.pixels == nullptr || source.width < 1 || source.height < 1 ||
-        destination.pixels == nullptr || destination.width < 1 || destination.height < 1) {
+        destination.pixels == nullptr || destination.width < 1 || destination.height < 1 ||
+        !IsModerate(source.rect) || !IsModerate(destination.rect)) {
         return std::nullopt;
     }
     const ResampleRect& from = source.rect;

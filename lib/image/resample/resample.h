@@ -45,7 +45,9 @@ enum BoundaryKind : int32_t {
 // them clipped to its image first. Only source pixels inside `clip` (the whole image when there
 // is none) take part. A destination pixel without a result keeps what it holds; a pixel that the
 // rectangle covers in part gets that part of the alpha. Colour is averaged weighted by alpha.
-// Empty sizes, null buffers and rectangles that are not finite draw nothing.
+// Empty sizes, null buffers and rectangles that are not finite (or reach beyond 2^490) draw
+// nothing. No kernel raises a floating-point exception other than of inexact results and of
+// underflow, and one that runs out of memory (std::bad_alloc) has drawn nothing.
 
 /// The source pixel under each destination pixel's top left corner; transparent ones are skipped.
 void ResampleNearest(const ResampleTarget& destination, const ResampleSource& source,

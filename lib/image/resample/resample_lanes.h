@@ -7,7 +7,10 @@
 #include "lib/image/simd/vector_run.h"
 
 // The resampling kernels over several pixels at once, for each set of lanes the same. Operations
-// and their order are the scalar forms'.
+// and their order are the scalar forms': each lane computes one destination pixel, step by step,
+// bit for bit, as if it were alone. What differs is that lanes share their branches. A step that a
+// lane would leave out is one that adds zeros, or its result is not stored; and since such a lane
+// computes all the same, it gets numbers that no step raises an exception for.
 namespace imgbasic {
 
 template <typename Lanes>
@@ -36,11 +39,12 @@ static void AverageLanes(const AverageRow& row, size_t i, bool streaming) {
             }
         }
     }
-    const auto drawn =
-        Lanes::Both(sum.IsVisible(), Lanes::Greater(area, Lanes::Set(kSmallestArea)));
+    const auto hasArea = Lanes::Greater(area, Lanes::Set(kSmallestArea));
+    const auto drawn = Lanes::Both(sum.IsVisible(), hasArea);
     if (Lanes::Any(drawn)) {
         const auto covered = Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage);
-        Lanes::Store(row.dst + i, sum.Mean(sum.Alpha(covered) / area), drawn, streaming);
+        const auto divisor = Lanes::Select(hasArea, area, Lanes::Set(1));
+        Lanes::Store(row.dst + i, sum.Mean(sum.Alpha(covered) / divisor), drawn, streaming);
     }
 }
 
@@ -93,6 +97,10 @@ static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
 /// Draws the columns [begin, end) with `lanes(row, i, streaming)`, which draws kStep columns from
 /// `i` on. The vectors at the ends overlap their neighbours: drawing a column twice changes
 /// nothing. Only rows shorter than a vector are left to the scalar form.
+///
+///      columns     begin |..............................| end
+///      in the run            |-------|-------|-------|          aligned when it is streamed
+///      at the ends       |-------|               |-------|      stored through the caches
 template <size_t kStep, typename Row>
 static inline void DrawColumns(const Row& row, size_t begin, size_t end,
                                void (*lanes)(const Row&, size_t, bool),

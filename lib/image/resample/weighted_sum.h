@@ -4,12 +4,11 @@
 
 namespace imgbasic {
 
-/// A channel value from a computed one: truncated, in 16 bits. Values that no image gives (beyond
-/// 32 bits) become 0.
+/// A channel value from a computed one: truncated, in 16 bits. The value is a weighted mean of
+/// channels or a part of an alpha, and rounding takes it no farther out of 16 bits than 32 bits
+/// reach.
 inline uint16_t ToChannel(double value) {
-    return value > -2147483649.0 && value < 2147483648.0
-               ? static_cast<uint16_t>(static_cast<int32_t>(value))
-               : uint16_t{0};
+    return static_cast<uint16_t>(static_cast<int32_t>(value));
 }
 
 /// Sums of weighted pixels, colours weighted by alpha as well, so that transparent pixels do not

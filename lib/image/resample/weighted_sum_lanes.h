@@ -45,8 +45,12 @@ class WeightedSumLanes {
         return covered * a_ * Lanes::Set(kFullScale / kQuotientRaise);
     }
 
+    /// The mean colours with the given alphas. Where nothing is visible, the sums are 0 or what is
+    /// left of 0 by rounding; there they are divided by 1, since a host may have unmasked the
+    /// exceptions of a division by zero and of converting its result.
     typename Lanes::Pixels Mean(Doubles alpha) const {
-        const Doubles scale = Lanes::Set(kFullScale / kQuotientRaise) / a_;
+        const Doubles divisor = Lanes::Select(IsVisible(), a_, Lanes::Set(1));
+        const Doubles scale = Lanes::Set(kFullScale / kQuotientRaise) / divisor;
         const Doubles down = Lanes::Set(1.0 / 65536);
         const Doubles greenScale = scale * down;
         return Lanes::Pack(scale * r_, greenScale * g_, greenScale * down * b_, alpha);

@@ -2,11 +2,13 @@
 
 #include <cmath>
 #include <limits>
+#include <new>
 
 #include "lib/image/pixels/row_kernel.h"
 #include "lib/image/resample/weighted_sum_lanes.h"
 #include "tests/image/kernel_test.h"
 #include "tests/image/resample/simple_resample.h"
+#include "tests/image/scarce_memory.h"
 
 namespace imgbasic {
 namespace {
@@ -268,7 +270,33 @@ TEST(ResampleProperties, ConstantImagesStayConstantAndWholeFactorsRepeat) {
     }
 }
 
-/// Only the sanitizers and the time limit see what goes wrong here.
+/// The first row drawn lies over fewer source rows than the next, which must not be when the memory
+/// for those is asked for.
+TEST(ResampleMemory, RunningOutOfItLeavesTheResultUntouched) {
+    const Image source(4, 40, RGBA16{kFullScale, 0, 0, kFullScale});
+    for (const Kernel kernel : kKernels) {
+        bool drawn = false;
+        for (int allowed = 0; !drawn; ++allowed) {
+            Image result(4, 3, Kept);
+            const SimpleResample call{kernel,
+                                      BoundaryClip,
+                                      false,
+                                      result.Target({0, 0.9, 4, 2.1}),
+                                      source.Source(source.Whole()),
+                                      {0, 0, 4, 40}};
+            try {
+                const ScopedAllocationLimit limit(allowed);
+                Draw(call);
+                drawn = true;
+            } catch (const std::bad_alloc&) {
+            }
+            const auto kept = std::ranges::count(result.pixels, Kept);
+            ASSERT_EQ(kept == 12, !drawn) << "kernel " << kernel << ", " << allowed;
+        }
+    }
+}
+
+/// Only the sanitizers, unmasked exceptions and the time limit see what goes wrong here.
 TEST(ResampleHostile, RectanglesOfAnyDoublesStayInTheBuffers) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
