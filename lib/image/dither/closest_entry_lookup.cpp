@@ -97,6 +97,10 @@ ClosestEntryLookup::ClosestEntryLookup(const ReducePalette& palette)
     }
 }
 
+const ClosestEntryTables& ClosestEntryLookup::Tables() const {
+    return tables_;
+}
+
 uint8_t ClosestEntryLookup::Find(uint32_t color) {
     const uint32_t number = CellOf<ClosestEntryTables::kBits>(color);
     uint32_t cell = tables_.cells[number];

@@ -69,7 +69,8 @@ class ClosestEntryLookup {
     /// The index of the entry closest to a pixel word.
     uint8_t Find(uint32_t color);
 
-    const ClosestEntryTables& Tables() const { return tables_; }
+    /// Defined out of line because files compiled for an instruction set call it.
+    const ClosestEntryTables& Tables() const;
 
   private:
     uint32_t Prepare(uint32_t number);

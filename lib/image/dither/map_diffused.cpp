@@ -35,13 +35,14 @@ ColorError Difference(uint32_t color, uint32_t entry) {
 void MapDiffusedRowScalar(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8_t* indices,
                           size_t width, ptrdiff_t step, ErrorRows errors, bool accumulate) {
     auto x = step > 0 ? ptrdiff_t{0} : static_cast<ptrdiff_t>(width) - 1;
+    const uint32_t* entries = lookup.Tables().colors;
     const ColorError* above = errors.above;
     ColorError previous{};
     for (size_t i = 0; i < width; ++i, x += step) {
         const uint32_t color = VisibleColor(pixels[x]);
         const uint32_t wanted = Gather(color, previous, above[x - step], above[x], above[x + step]);
         indices[x] = lookup.Find(wanted);
-        previous = Difference(accumulate ? wanted : color, lookup.Tables().colors[indices[x]]);
+        previous = Difference(accumulate ? wanted : color, entries[indices[x]]);
         errors.current[x] = previous;
     }
 }

@@ -51,11 +51,11 @@ uint32_t Dithered(uint32_t color, uint32_t closest, const int8_t (&offsets)[16])
 
 void MapOrderedRowScalar(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8_t* indices,
                          size_t width, const OrderedOffsets& row) {
+    const uint32_t* entries = lookup.Tables().colors;
     for (size_t x = 0; x < width; ++x) {
         const uint32_t color = VisibleColor(pixels[x]);
         indices[x] = lookup.Find(color);
-        const uint32_t closest = lookup.Tables().colors[indices[x]];
-        const uint32_t dithered = Dithered(color, closest, row.offsets[x % 4]);
+        const uint32_t dithered = Dithered(color, entries[indices[x]], row.offsets[x % 4]);
         if (dithered != color) {
             indices[x] = lookup.Find(dithered);
         }

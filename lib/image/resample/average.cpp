@@ -81,7 +81,8 @@ void AverageRowScalar(const AverageRow& row, size_t begin, size_t end) {
     for (size_t i = begin; i < end; ++i) {
         WeightedSum sum;
         double area = 0;
-        for (const AverageTap& tap : row.rows) {
+        for (size_t j = 0; j < row.rowCount; ++j) {
+            const AverageTap& tap = row.rows[j];
             for (size_t k = 0; k < row.taps; ++k) {
                 const size_t entry = k * row.columns + i;
                 area += row.areaWeights[entry] * tap.weight;
@@ -117,7 +118,8 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
                 {rows.IsInClip(index) ? SourceRow(source, index) : nullptr, span.Weight(index)});
         }
         const AverageRow row{resampling->TargetRow(destination, j),
-                             taps,
+                             taps.data(),
+                             taps.size(),
                              columns.count,
                              columns.taps,
                              columns.indices.data(),

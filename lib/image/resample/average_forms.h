@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "lib/image/pixels/rgba16.h"
 #include "lib/image/pixels/row_kernel.h"
@@ -21,7 +20,8 @@ struct AverageTap {
 /// not take part. All indices are inside the row.
 struct AverageRow {
     RGBA16* dst;
-    std::span<const AverageTap> rows;
+    const AverageTap* rows;
+    size_t rowCount;
     size_t columns;
     size_t taps;
     const int32_t* indices;

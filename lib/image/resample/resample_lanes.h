@@ -23,7 +23,8 @@ template <typename Lanes>
 static void AverageLanes(const AverageRow& row, size_t i, bool streaming) {
     WeightedSumLanes<Lanes> sum;
     auto area = Lanes::Set(0);
-    for (const AverageTap& tap : row.rows) {
+    for (size_t j = 0; j < row.rowCount; ++j) {
+        const AverageTap& tap = row.rows[j];
         const auto weight = Lanes::Set(tap.weight);
         for (size_t k = 0; k < row.taps; ++k) {
             const size_t entry = k * row.columns + i;

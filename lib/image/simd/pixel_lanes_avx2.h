@@ -7,7 +7,10 @@
 
 #include "lib/image/pixels/rgba16.h"
 
+// Unnamed inside, so that these inline functions and the templates over them stay in their object
+// file: the linker could otherwise put them into the baseline code.
 namespace imgbasic {
+namespace {
 
 /// Four neighbouring pixels, a 64-bit lane each. Only for files compiled for AVX2.
 struct Avx2Lanes {
@@ -134,4 +137,5 @@ struct Avx2Lanes {
     }
 };
 
+}  // namespace
 }  // namespace imgbasic

@@ -7,7 +7,10 @@
 
 #include "lib/image/pixels/rgba16.h"
 
+// Unnamed inside, so that these inline functions and the templates over them stay in their object
+// file: the linker could otherwise put them into the baseline code.
 namespace imgbasic {
+namespace {
 
 /// Eight neighbouring pixels, a 64-bit lane each. Only for files compiled for AVX-512.
 struct Avx512Lanes {
@@ -135,4 +138,5 @@ struct Avx512Lanes {
     }
 };
 
+}  // namespace
 }  // namespace imgbasic
