@@ -5,6 +5,7 @@
 namespace imgbasic::host {
 namespace {
 
+constexpr const char* kFileName = "libimgbasic.so";
 constexpr const char* kAdjustScale = "_Z22ImagePluginAdjustScalePKcPviiPdS2_";
 
 void* OpenLibrary(const std::filesystem::path& path) {
@@ -34,6 +35,19 @@ void Find(const Module& module, const std::filesystem::path& path, const char* s
 
 void LibraryCloser::operator()(void* library) const {
     dlclose(library);
+}
+
+std::filesystem::path FindModule() {
+    const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    const auto installed = (program / IMGBASIC_MODULE_FOLDER).lexically_normal();
+    for (const auto& folder : {program, installed}) {
+        if (exists(folder / kFileName)) {
+            return folder / kFileName;
+        }
+    }
+    throw ModuleError(std::string(kFileName) + ": the filter module is neither in " +
+                      program.string() + " nor in " + installed.string() +
+                      "; name its file with --module");
 }
 
 Module LoadModule(const std::filesystem::path& path) {

@@ -39,6 +39,9 @@ struct Module {
     decltype(&ImagePluginBatchDispose) batchDispose = nullptr;
 };
 
+/// The module of the running program: beside it, or where installing put it. Throws ModuleError.
+std::filesystem::path FindModule();
+
 /// Loads the module and finds all thirteen exports. Throws ModuleError.
 Module LoadModule(const std::filesystem::path& path);
 

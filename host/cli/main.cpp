@@ -16,10 +16,6 @@ namespace {
 
 constexpr int kUsageStatus = 2;
 
-std::filesystem::path ModuleBesideProgram() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libimgbasic.so";
-}
-
 /// The library's layout of the help without its remarks on what an option excludes or requires;
 /// where that matters the texts say it.
 class HelpLayout : public CLI::Formatter {
@@ -61,12 +57,12 @@ int Run(int argc, char** argv) {
     app.fallthrough();
     app.footer("\n`imgbasic COMMAND --help` explains a command.");
     std::filesystem::path modulePath;
-    app.add_option("--module", modulePath, "The filter module (libimgbasic.so beside the program)")
+    app.add_option("--module", modulePath, "The filter module, instead of the program's own")
         ->type_name("FILE");
     int status = EXIT_SUCCESS;
 
     const auto loadModule = [&] {
-        return LoadModule(modulePath.empty() ? ModuleBesideProgram() : modulePath);
+        return LoadModule(modulePath.empty() ? FindModule() : modulePath);
     };
     AddFilterCommands(app, [&](const FilterCommand& command) {
         status = RunFilterCommand(loadModule(), command) ? EXIT_SUCCESS : EXIT_FAILURE;
