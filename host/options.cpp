@@ -1,86 +1,38 @@
 #include "host/options.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <stdexcept>
-#include <type_traits>
 
-#include "plugin/imgbasic/col_reduce.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/scaling.h"
+#include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {
 namespace {
 
-/// The row of one field, reached in an object that is known to be a `Process`.
-template <typename Process, auto Member>
-constexpr OptionField Field(std::string_view filter, std::string_view name) {
-    using Value = std::remove_reference_t<decltype(std::declval<Process&>().*Member)>;
-    return {filter, name, std::is_same_v<Value, bool>,
-            [](const ImageProcess& object) {
-                return static_cast<int32_t>(static_cast<const Process&>(object).*Member);
-            },
-            [](ImageProcess& object, int32_t value) {
-                static_cast<Process&>(object).*Member = static_cast<Value>(value);
-            }};
-}
-
-constexpr OptionField Target(std::string_view filter) {
-    return Field<ImageProcess, &ImageProcess::TargetType>(filter, "TargetType");
-}
-
-using Gray = GrayScaleImageProcess;
-using Mono = MonoImageProcess;
-using Reduce = ReduceColorImageProcess;
-using Scaling = ScalingImageProcess;
-
-/// The fields of a filter stand together.
-constexpr std::array kFields{
-    Field<Gray, &Gray::CalcMode>("gray", "CalcMode"),
-    Field<Gray, &Gray::ColorMode>("gray", "ColorMode"),
-    Target("gray"),
-    Field<Mono, &Mono::Threshold>("mono", "Threshold"),
-    Target("mono"),
-    Target("nega"),
-    Field<Reduce, &Reduce::ReduceColor>("col_reduce", "ReduceColor"),
-    Field<Reduce, &Reduce::DitherType>("col_reduce", "DitherType"),
-    Field<Reduce, &Reduce::SharePalette>("col_reduce", "SharePalette"),
-    Field<Reduce, &Reduce::GraduateReduce>("col_reduce", "GraduateReduce"),
-    Target("col_reduce"),
-    Field<Scaling, &Scaling::newWidth>("scaling", "newWidth"),
-    Field<Scaling, &Scaling::newHeight>("scaling", "newHeight"),
-    Field<Scaling, &Scaling::RatioSize>("scaling", "RatioSize"),
-    Field<Scaling, &Scaling::RatioWidth>("scaling", "RatioWidth"),
-    Field<Scaling, &Scaling::RatioHeight>("scaling", "RatioHeight"),
-    Field<Scaling, &Scaling::FixRatio>("scaling", "FixRatio"),
-    Field<Scaling, &Scaling::InterType>("scaling", "InterType"),
-    Field<Scaling, &Scaling::BoundaryType>("scaling", "BoundaryType"),
-    Field<Scaling, &Scaling::BoundAlpha>("scaling", "BoundAlpha"),
-    Field<Scaling, &Scaling::ChangeBrush>("scaling", "ChangeBrush"),
-};
-
-std::string FieldNames(std::string_view filter) {
+std::string OptionNames(std::string_view filter) {
     std::string names;
-    for (const OptionField& field : OptionFields(filter)) {
-        names.append(names.empty() ? "" : ", ").append(field.name);
+    for (const FilterOption& option : OptionsOf(filter)) {
+        names.append(names.empty() ? "" : ", ").append(option.name);
     }
     return names.empty() ? "this filter has no options" : "the options are " + names;
 }
 
-}  // namespace
-
-std::span<const OptionField> OptionFields(std::string_view filter) {
-    const auto isOfFilter = [&](const OptionField& field) { return field.filter == filter; };
-    const auto first = std::find_if(kFields.begin(), kFields.end(), isOfFilter);
-    return {first, std::find_if_not(first, kFields.end(), isOfFilter)};
+std::string PossibleValues(const FilterOption& option) {
+    return option.kind == OptionKind::Switch ? "0, 1, true or false"
+                                             : "a whole number, " + RangeText(option);
 }
 
-const OptionField* FindOption(std::string_view filter, std::string_view name) {
-    for (const OptionField& field : OptionFields(filter)) {
-        if (field.name == name) {
-            return &field;
+}  // namespace
+
+std::span<const FilterOption> OptionsOf(std::string_view filter) {
+    const auto* row = std::ranges::find(kFilterRows, filter, &FilterRow::name);
+    return row != kFilterRows.end() ? row->options : std::span<const FilterOption>();
+}
+
+const FilterOption* FindOption(std::string_view filter, std::string_view name) {
+    for (const FilterOption& option : OptionsOf(filter)) {
+        if (option.name == name) {
+            return &option;
         }
     }
     return nullptr;
@@ -92,30 +44,31 @@ OptionValue Option(std::string_view filter, std::string_view name, int32_t value
 
 OptionValue ParseOption(std::string_view filter, const std::string& text) {
     const size_t equals = text.find('=');
-    const OptionField* field = FindOption(filter, text.substr(0, equals));
-    if (equals == std::string::npos || field == nullptr) {
+    const FilterOption* option = FindOption(filter, text.substr(0, equals));
+    if (equals == std::string::npos || option == nullptr) {
         throw std::invalid_argument("'" + text + "' sets nothing; write Field=value, " +
-                                    FieldNames(filter));
+                                    OptionNames(filter));
     }
     const std::string value = text.substr(equals + 1);
-    if (field->isSwitch && (value == "true" || value == "false")) {
-        return {field, value == "true"};
+    if (option->kind == OptionKind::Switch && (value == "true" || value == "false")) {
+        return {option, value == "true"};
     }
     int32_t number = 0;
     const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), number);
-    if (fault != std::errc() || end != value.data() + value.size() ||
-        (field->isSwitch && number != 0 && number != 1)) {
-        throw std::invalid_argument("'" + text + "': " +
-                                    (field->isSwitch ? "the value must be 0, 1, true or false"
-                                                     : "the value must be a whole number"));
+    if (fault != std::errc() || end != value.data() + value.size() || !option->Allows(number)) {
+        throw std::invalid_argument("'" + text + "': the value must be " + PossibleValues(*option));
     }
-    return {field, number};
+    return {option, number};
+}
+
+std::string RangeText(const FilterOption& option) {
+    return std::to_string(option.least) + " to " + std::to_string(option.most);
 }
 
 std::vector<OptionValue> ReadOptions(std::string_view filter, const ImageProcess& object) {
     std::vector<OptionValue> values;
-    for (const OptionField& field : OptionFields(filter)) {
-        values.push_back({&field, field.get(object)});
+    for (const FilterOption& option : OptionsOf(filter)) {
+        values.push_back({&option, option.get(object)});
     }
     return values;
 }
@@ -123,10 +76,10 @@ std::vector<OptionValue> ReadOptions(std::string_view filter, const ImageProcess
 std::vector<OptionValue> ExchangeOptions(ImageProcess& object,
                                          std::span<const OptionValue> values) {
     std::vector<OptionValue> before;
-    for (const OptionValue& option : values) {
-        // In front, since a field that is set twice must end as it began.
-        before.insert(before.begin(), {option.field, option.field->get(object)});
-        option.field->set(object, option.value);
+    for (const auto& [option, value] : values) {
+        // In front, since an option that is set twice must end as it began.
+        before.insert(before.begin(), {option, option->get(object)});
+        option->set(object, value);
     }
     return before;
 }

@@ -4,11 +4,13 @@
 #include <optional>
 #include <stdexcept>
 
+#include "plugin/imgbasic/scaling.h"
+
 namespace imgbasic::host {
 
 /// The sides that the scaling filter can make, pixels.
-constexpr int32_t kSmallestSide = 1;
-constexpr int32_t kLargestSide = 8192;
+constexpr int32_t kSmallestSide = kSide.least;
+constexpr int32_t kLargestSide = kSide.most;
 
 struct PixelSize {
     int32_t width = 0;

@@ -1,114 +1,55 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <memory>
 #include <span>
 
 #include "host/cli/filter_command.h"
-#include "plugin/imgbasic/process.h"
+#include "host/filter_words.h"
+#include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {
 namespace {
 
-/// A word of the command line for a number of the module's.
-struct Choice {
-    std::string_view word;
-    int32_t value;
-    std::string_view meaning;
-};
-
-constexpr Choice kTargets[] = {
-    {"merged", MergedImage, "what the layers show together; one layer remains (the default)"},
-    {"all", AllLayers, "every layer by itself"},
-    {"current", CurrentLayer, "the layer that --layer and --sub-layer name"},
-};
-
-constexpr Choice kGrayMethods[] = {
-    {"average", 0, "middle of the largest and the smallest channel (the default)"},
-    {"rgb", 1, "mean of red, green and blue"},
-    {"ntsc", 2, "luma Y: channels weighted as the eye does, green most"},
-    {"value", 3, "V of HSV: the largest channel"},
-    {"red", 4, "the red channel"},
-    {"green", 5, "the green channel"},
-    {"blue", 6, "the blue channel"},
-    {"saturation", 7, "S of HSV: vivid colours become light, greys black"},
-    {"cb", 8, "colour difference Cb: blue becomes light, yellow dark"},
-    {"cr", 9, "colour difference Cr; what it takes off is red and green"},
-};
-
-constexpr Choice kGrayTints[] = {
-    {"white", 0, "plain grey (the default)"},
-    {"red", 1, "black to red"},
-    {"green", 2, "black to green"},
-    {"blue", 3, "black to blue"},
-    {"magenta", 4, "black to magenta"},
-    {"cyan", 5, "black to cyan"},
-    {"yellow", 6, "black to yellow"},
-    {"draw", 7, "black to the colour of --draw-color"},
-    {"back", 8, "black to the colour of --back-color"},
-};
-
-constexpr Choice kDithers[] = {
-    {"none", 0, "the nearest palette colour, flat areas"},
-    {"pattern", 1, "a regular pattern of dots"},
-    {"small", 2, "error diffusion, fine grain"},
-    {"large", 3, "error diffusion that gathers up the errors (the default)"},
-};
-
-constexpr Choice kInterpolations[] = {
-    {"nearest", 0, "repeats or drops pixels, keeps hard edges"},
-    {"average", 1, "mean of all covered pixels, best for reducing"},
-    {"bilinear", 2, "blends neighbouring pixels, smooth enlarging (the default)"},
-};
-
-constexpr Choice kBoundaries[] = {
-    {"clip", 0, "there is nothing (the default)"},
-    {"clamp", 1, "the border pixels go on"},
-    {"repeat", 2, "the picture begins again at the other side"},
-};
+constexpr std::string_view kTargetType = "TargetType";
 
 constexpr const char* kFilterGroup = "What the filter does";
 constexpr const char* kLayerGroup = "Which layers";
 constexpr const char* kOutputGroup = "Files";
 constexpr const char* kOtherGroup = "Other";
 
+using CLI::App;
+
 /// The text, then a line for every word.
-std::string Described(std::string text, std::span<const Choice> choices) {
+std::string Described(const FilterOption& option, const OptionWords& words) {
     size_t longest = 0;
-    for (const Choice& choice : choices) {
+    for (const ChoiceWord& choice : words.choices) {
         longest = std::max(longest, choice.word.size());
     }
-    for (const Choice& choice : choices) {
+    std::string text(words.text);
+    text += ':';
+    for (const ChoiceWord& choice : words.choices) {
         text.append("\n  ").append(choice.word).append(longest - choice.word.size() + 2, ' ');
         text.append(choice.meaning);
+        if (&choice - words.choices.data() == option.initial) {
+            text += " (the default)";
+        }
     }
     return text;
 }
 
 /// The number of the word that was given; anything else ends the parsing.
-int32_t ValueOf(const std::string& flag, const std::string& word, std::span<const Choice> choices) {
-    std::string words;
-    for (const Choice& choice : choices) {
+int32_t ValueOf(const std::string& flag, const std::string& word, const OptionWords& words) {
+    std::string known;
+    int32_t value = 0;
+    for (const ChoiceWord& choice : words.choices) {
         if (choice.word == word) {
-            return choice.value;
+            return value;
         }
-        words.append(words.empty() ? "" : ", ").append(choice.word);
+        ++value;
+        known.append(known.empty() ? "" : ", ").append(choice.word);
     }
-    throw CLI::ValidationError(flag, "'" + word + "' is none of " + words);
-}
-
-using CLI::App;
-
-void AddChoice(App& app, FilterCommand& command, const std::string& flag, const char* field,
-               const std::string& text, std::span<const Choice> choices) {
-    app.add_option_function<std::string>(
-           flag,
-           [&command, flag, field, choices](const std::string& word) {
-               command.options.push_back(
-                   Option(command.filter, field, ValueOf(flag, word, choices)));
-           },
-           Described(text, choices))
-        ->type_name("WORD")
-        ->group(kFilterGroup);
+    throw CLI::ValidationError(flag, "'" + word + "' is none of " + known);
 }
 
 /// Refuses other numbers; the texts of the options say which are meant.
@@ -116,28 +57,51 @@ CLI::Validator Between(int32_t least, int32_t most) {
     return CLI::Range(least, most).description("");
 }
 
-void AddNumber(App& app, FilterCommand& command, const std::string& flag, const char* field,
-               const std::string& text, const CLI::Validator& range) {
-    app.add_option_function<int32_t>(
-           flag,
-           [&command, field](const int32_t& value) {
-               command.options.push_back(Option(command.filter, field, value));
-           },
-           text)
-        ->check(range)
-        ->type_name("N")
-        ->group(kFilterGroup);
+CLI::Validator InRange(const FilterOption& option) {
+    return Between(option.least, option.most);
 }
 
-void AddSwitch(App& app, FilterCommand& command, const std::string& flag, const char* field,
-               bool value, const std::string& text) {
-    app.add_flag_callback(
-           flag,
-           [&command, field, value] {
-               command.options.push_back(Option(command.filter, field, value));
-           },
-           text)
-        ->group(kFilterGroup);
+/// Adds the flag of an option, whose value goes to `take`.
+CLI::Option* AddOption(App& app, const FilterOption& option, const OptionWords& words,
+                       const std::function<void(int32_t)>& take) {
+    const std::string flag = FlagOf(option, words);
+    switch (option.kind) {
+        case OptionKind::Number:
+            return app
+                .add_option_function<int32_t>(flag, take,
+                                              std::string(words.text) + ", " + RangeText(option) +
+                                                  " (" + std::to_string(option.initial) + ")")
+                ->check(InRange(option))
+                ->type_name("N");
+        case OptionKind::Choice:
+            return app
+                .add_option_function<std::string>(
+                    flag,
+                    [&words, flag, take](const std::string& word) {
+                        take(ValueOf(flag, word, words));
+                    },
+                    Described(option, words))
+                ->type_name("WORD");
+        case OptionKind::Switch:
+            break;
+    }
+    return app.add_flag_callback(
+        flag, [take, value = 1 - option.initial] { take(value); }, std::string(words.text));
+}
+
+/// Adds the flags of the filter's options, but for those that exist already, under a form of
+/// their own, and TargetType's, which belongs to the layers.
+void AddOptions(App& app, FilterCommand& command) {
+    for (const OptionWords& words : WordsOf(command.filter).options) {
+        const FilterOption& option = *FindOption(command.filter, words.option);
+        if (words.flag.empty() || words.option == kTargetType ||
+            app.get_option_no_throw(FlagOf(option, words)) != nullptr) {
+            continue;
+        }
+        AddOption(app, option, words, [&command, &option](int32_t value) {
+            command.options.push_back({&option, value});
+        })->group(kFilterGroup);
+    }
 }
 
 void AddColor(App& app, const std::string& flag, uint32_t& color, const std::string& text) {
@@ -155,31 +119,12 @@ void AddColor(App& app, const std::string& flag, uint32_t& color, const std::str
         ->group(kFilterGroup);
 }
 
-void AddGray(App& app, FilterCommand& command) {
-    AddChoice(app, command, "--method", "CalcMode",
-              "How the grey is made of a colour:", kGrayMethods);
-    AddChoice(app, command, "--tint", "ColorMode", "What the grey is coloured with:", kGrayTints);
+void AddColors(App& app, FilterCommand& command) {
     AddColor(app, "--draw-color", command.drawColor, "For --tint draw, hexadecimal (000000)");
     AddColor(app, "--back-color", command.backColor, "For --tint back, hexadecimal (FFFFFF)");
 }
 
-void AddMono(App& app, FilterCommand& command) {
-    AddNumber(app, command, "--threshold", "Threshold",
-              "Red level, 1 to 255, from which a pixel is white (128)", Between(1, 255));
-}
-
-void AddNothing(App& /*app*/, FilterCommand& /*command*/) {
-}
-
-void AddReduce(App& app, FilterCommand& command) {
-    AddNumber(app, command, "--colors", "ReduceColor", "At most so many colours, 1 to 256 (16)",
-              Between(1, 256));
-    AddChoice(app, command, "--dither", "DitherType",
-              "How colours between those of the palette are shown:", kDithers);
-    AddSwitch(app, command, "--share-palette", "SharePalette", true,
-              "The palette of the topmost layer serves all layers");
-    AddSwitch(app, command, "--graduate", "GraduateReduce", true,
-              "Halve the colours step by step from 256");
+void AddIndexed(App& app, FilterCommand& command) {
     app.add_flag("--indexed", command.indexed, "Write a PNG with a palette, 8 bits a channel")
         ->group(kFilterGroup);
 }
@@ -199,41 +144,30 @@ void ParseBox(const std::string& text, std::optional<PixelSize>& box) {
     box = size;
 }
 
-void AddSide(App& app, const std::string& flag, std::optional<int32_t>& side,
-             const std::string& text) {
-    app.add_option(flag, side, text)
-        ->check(Between(kSmallestSide, kLargestSide))
-        ->type_name("PIXELS")
-        ->group(kFilterGroup)
-        ->excludes("--ratio", "--fit");
+/// Adds an option of scaling that is part of the size asked for.
+CLI::Option* AddSize(App& app, std::string_view name, std::optional<int32_t>& size,
+                     const char* unit) {
+    const FilterWords& filter = WordsOf("scaling");
+    const OptionWords& words = *std::ranges::find(filter.options, name, &OptionWords::option);
+    const FilterOption& option = *FindOption(filter.filter, name);
+    return app.add_option(FlagOf(option, words), size, std::string(words.text))
+        ->check(InRange(option))
+        ->type_name(unit)
+        ->group(kFilterGroup);
 }
 
-void AddScaling(App& app, FilterCommand& command) {
+void AddSizes(App& app, FilterCommand& command) {
     SizeRequest& size = command.size;
-    const auto percent = Between(1, 819200);
-    auto* ratio = app.add_option("--ratio", size.ratio, "New size in percent of the old one");
-    ratio->check(percent)->type_name("PERCENT")->group(kFilterGroup);
-    app.add_option("--ratio-height", size.ratioHeight, "Another percentage for the height")
-        ->check(percent)
-        ->type_name("PERCENT")
-        ->group(kFilterGroup)
-        ->needs(ratio);
-    app.add_option_function<std::string>(
-           "--fit", [&size](const std::string& text) { ParseBox(text, size.fit); },
-           "The largest size of the same shape inside a box")
-        ->type_name("WxH")
-        ->group(kFilterGroup)
-        ->excludes(ratio);
-    AddSide(app, "--width", size.width, "New width; alone it keeps the shape");
-    AddSide(app, "--height", size.height, "New height; alone it keeps the shape");
-    AddChoice(app, command, "--interp", "InterType",
-              "How pixels between those of the picture are made:", kInterpolations);
-    AddChoice(app, command, "--boundary", "BoundaryType",
-              "What bilinear sees beyond the border:", kBoundaries);
-    AddSwitch(app, command, "--no-bound-alpha", "BoundAlpha", false,
-              "Bilinear with clamp or repeat: do not fade out at the border");
-    AddSwitch(app, command, "--no-change-brush", "ChangeBrush", false,
-              "Report no factor for the sizes of brushes (to hosts that have some)");
+    auto* ratio = AddSize(app, "RatioWidth", size.ratio, "PERCENT");
+    AddSize(app, "RatioHeight", size.ratioHeight, "PERCENT")->needs(ratio);
+    auto* fit = app.add_option_function<std::string>(
+                       "--fit", [&size](const std::string& text) { ParseBox(text, size.fit); },
+                       "The largest size of the same shape inside a box")
+                    ->type_name("WxH")
+                    ->group(kFilterGroup)
+                    ->excludes(ratio);
+    AddSize(app, "newWidth", size.width, "PIXELS")->excludes(ratio, fit);
+    AddSize(app, "newHeight", size.height, "PIXELS")->excludes(ratio, fit);
 }
 
 /// What every filter's command has.
@@ -265,15 +199,12 @@ void AddFiles(App& app, FilterCommand& command) {
 }
 
 void AddLayers(App& app, FilterCommand& command) {
-    const bool hasTarget = FindOption(command.filter, "TargetType") != nullptr;
+    const std::span<const OptionWords> words = WordsOf(command.filter).options;
+    const auto target = std::ranges::find(words, kTargetType, &OptionWords::option);
+    const bool hasTarget = target != words.end();
     if (hasTarget) {
-        app.add_option_function<std::string>(
-               "--target",
-               [&command](const std::string& word) {
-                   command.target = ValueOf("--target", word, kTargets);
-               },
-               Described("What the filter works on:", kTargets))
-            ->type_name("WORD")
+        AddOption(app, *FindOption(command.filter, kTargetType), *target,
+                  [&command](int32_t value) { command.target = value; })
             ->group(kLayerGroup);
     }
     const std::string implied = hasTarget ? "\n(means --target current unless that is given)" : "";
@@ -292,8 +223,8 @@ void AddLayers(App& app, FilterCommand& command) {
 
 void AddSettings(App& app, FilterCommand& command) {
     std::string fields;
-    for (const OptionField& field : OptionFields(command.filter)) {
-        fields.append("\n  ").append(field.name);
+    for (const FilterOption& option : OptionsOf(command.filter)) {
+        fields.append("\n  ").append(option.name);
     }
     app.add_option_function<std::vector<std::string>>(
            "--set",
@@ -315,47 +246,45 @@ void AddSettings(App& app, FilterCommand& command) {
         ->group(kFilterGroup);
 }
 
-struct Subcommand {
-    const char* filter;
-    const char* summary;
-    const char* example;
-    bool hasCurrentLayer;
+/// What a filter's command has besides its options.
+struct Extra {
+    std::string_view filter;
     void (*add)(App& app, FilterCommand& command);
 };
 
-constexpr Subcommand kSubcommands[] = {
-    {"gray", "Make shades of grey, or of one colour",
-     "gray photo.jpg -o grey.png --method ntsc --tint draw --draw-color 336699", true, AddGray},
-    {"mono", "Make every pixel black or white", "mono scan.png -o lines.png --threshold 100", true,
-     AddMono},
-    {"nega", "Invert the tones", "nega *.png -o negatives/ --jobs 4", true, AddNothing},
-    {"chan_decomp", "Split a layer into one layer per channel",
-     "chan_decomp paint.ora -o channels.ora --layer 2", true, AddNothing},
-    {"chan_merge", "Join the layers of the four channels into one again",
-     "chan_merge channels.ora -o paint.ora --layer 5", true, AddNothing},
-    {"col_reduce", "Reduce the number of colours",
-     "col_reduce photo.jpg -o few.png --colors 64 --dither small --indexed", true, AddReduce},
-    {"scaling", "Enlarge or reduce the picture",
-     "scaling photo.jpg -o small.jpg --fit 1024x768 --interp average", false, AddScaling},
-};
+/// Added before the options, and after them.
+constexpr Extra kExtrasBefore[] = {{"scaling", AddSizes}};
+constexpr Extra kExtrasBehind[] = {{"gray", AddColors}, {"col_reduce", AddIndexed}};
+
+void AddExtras(std::span<const Extra> extras, App& app, FilterCommand& command) {
+    for (const Extra& extra : extras) {
+        if (extra.filter == command.filter) {
+            extra.add(app, command);
+        }
+    }
+}
 
 }  // namespace
 
 void AddFilterCommands(CLI::App& app, const std::function<void(const FilterCommand&)>& run) {
-    for (const Subcommand& row : kSubcommands) {
-        App* subcommand = app.add_subcommand(row.filter, row.summary);
+    for (const FilterRow& row : kFilterRows) {
+        const FilterWords& words = WordsOf(row.name);
+        App* subcommand = app.add_subcommand(row.name, std::string(words.summary));
         const auto command = std::make_shared<FilterCommand>();
-        command->filter = row.filter;
-        row.add(*subcommand, *command);
-        if (!OptionFields(row.filter).empty()) {
+        command->filter = row.name;
+        AddExtras(kExtrasBefore, *subcommand, *command);
+        AddOptions(*subcommand, *command);
+        AddExtras(kExtrasBehind, *subcommand, *command);
+        if (!row.options.empty()) {
             AddSettings(*subcommand, *command);
         }
-        if (row.hasCurrentLayer) {
+        // Another size is every layer's.
+        if (!row.changesSize) {
             AddLayers(*subcommand, *command);
         }
         AddFiles(*subcommand, *command);
         subcommand->set_help_flag("-h,--help", "Show this help")->group(kOtherGroup);
-        subcommand->footer(std::string("\nExample: imgbasic ") + row.example);
+        subcommand->footer("\nExample: imgbasic " + std::string(words.example));
         subcommand->callback([command, run] { run(*command); });
     }
 }

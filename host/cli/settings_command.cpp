@@ -1,33 +1,33 @@
 #include "host/cli/settings_command.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <stdexcept>
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/text_table.h"
+#include "plugin/imgbasic/filters.h"
 #include "plugin/imgbasic/settings.h"
 
 namespace imgbasic::host {
 namespace {
 
-constexpr const char* kStoringFilters[] = {"gray", "mono", "nega", "col_reduce", "scaling"};
-
-void Reset(const char* filter) {
-    if (!RemoveFromStore(filter)) {
-        throw std::runtime_error(std::string("the stored options of ") + filter +
-                                 " cannot be removed; is your configuration folder writable?");
+std::vector<const FilterRow*> StoringFilters() {
+    std::vector<const FilterRow*> filters;
+    for (const FilterRow& row : kFilterRows) {
+        if (!row.options.empty()) {
+            filters.push_back(&row);
+        }
     }
+    return filters;
 }
 
 }  // namespace
 
 void ShowSettings() {
     std::vector<TextRow> rows{{"FILTER", "OPTION", "STORED"}};
-    for (const char* filter : kStoringFilters) {
-        for (const StoredNumber& value : ListSettings(filter)) {
-            rows.push_back({filter, value.name, std::to_string(value.number)});
+    for (const FilterRow* filter : StoringFilters()) {
+        for (const StoredNumber& value : ListSettings(*filter)) {
+            rows.push_back({filter->name, value.name, std::to_string(value.number)});
         }
     }
     const bool any = rows.size() > 1;
@@ -35,17 +35,24 @@ void ShowSettings() {
 }
 
 void ResetSettings(const std::string& filter) {
-    if (filter.empty()) {
-        std::for_each(std::begin(kStoringFilters), std::end(kStoringFilters), Reset);
-        return;
+    std::string names;
+    for (const FilterRow* row : StoringFilters()) {
+        names.append(names.empty() ? "" : ", ").append(row->name);
     }
-    const auto* known = std::find(std::begin(kStoringFilters), std::end(kStoringFilters), filter);
-    if (known == std::end(kStoringFilters)) {
-        throw UsageError("'" + filter +
-                         "' is no filter with stored options; those are gray, mono, nega, "
-                         "col_reduce and scaling");
+    bool found = filter.empty();
+    for (const FilterRow* row : StoringFilters()) {
+        if (!filter.empty() && filter != row->name) {
+            continue;
+        }
+        found = true;
+        if (!RemoveFromStore(row->name)) {
+            throw std::runtime_error(std::string("the stored options of ") + row->name +
+                                     " cannot be removed; is your configuration folder writable?");
+        }
     }
-    Reset(*known);
+    if (!found) {
+        throw UsageError("'" + filter + "' is no filter with stored options; those are " + names);
+    }
 }
 
 }  // namespace imgbasic::host

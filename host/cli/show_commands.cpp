@@ -5,12 +5,10 @@
 #include "host/cli/text_table.h"
 #include "host/image_file.h"
 #include "host/shift_jis.h"
+#include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {
 namespace {
-
-constexpr const char* kFilterNames[] = {"gray",       "mono",       "nega",   "chan_decomp",
-                                        "chan_merge", "col_reduce", "scaling"};
 
 constexpr const char* kKindNames[] = {"normal", "normal", "additive"};
 
@@ -67,7 +65,8 @@ void Print(const std::string& text) {
 
 void ListFilters(const Module& module) {
     std::vector<TextRow> rows{{"FILTER", "NAME", "CHANGES SIZE", "BATCH", "PHASES"}};
-    for (const char* filter : kFilterNames) {
+    for (const FilterRow& row : kFilterRows) {
+        const char* filter = row.name;
         const char* name = module.getName(filter);
         if (name != nullptr) {
             rows.push_back({filter, ShiftJisToUtf8(name), YesOrNo(module.isSizeChange(filter)),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plugin/imgbasic/filter_row.h"
 #include "plugin/imgbasic/process.h"
 
 namespace imgbasic {
@@ -26,6 +27,12 @@ class ChannelDecomposeImageProcess final : public ImageProcess {
   private:
     int32_t ProducedLayers() const;
     void ProduceLayer(const ExecuteArgs& args);
+};
+
+template <>
+inline constexpr FilterRow kRow<ChannelDecomposeImageProcess>{
+    .name = "chan_decomp",
+    .displayName = {"チャンネル分解", "\x83`\x83\x83\x83\x93\x83l\x83\x8B\x95\xAA\x89\xF0"},
 };
 
 }  // namespace imgbasic

@@ -8,15 +8,15 @@
 namespace imgbasic {
 namespace {
 
+using texts::Message;
+
 constexpr Channel kChannels[] = {Channel::R, Channel::G, Channel::B, Channel::A};
 
 /// A layer without pixels. A rectangle counts as empty here only when its sides are reversed.
 constexpr PixelRect kNoRect{1, 1, -1, -1};
 
 const Text& NameOf(Channel channel) {
-    static constexpr const Text* kNames[] = {&texts::kRed, &texts::kGreen, &texts::kBlue,
-                                             &texts::kAlpha};
-    return *kNames[IndexOf(channel)];
+    return texts::kChannelNames[IndexOf(channel)];
 }
 
 /// The channel that a layer's name announces; none for a tag without a name behind it.
@@ -122,8 +122,8 @@ void ChannelMergeImageProcess::CollectLayer(const ExecuteArgs& args) {
     }
 }
 
-bool ChannelMergeImageProcess::Refuse(const Text& text, const Text& argument) const {
-    ShowError(ownerWindow, text, argument);
+bool ChannelMergeImageProcess::Refuse(Message message, const Text& argument) const {
+    ShowError(ownerWindow, texts::Of(message), argument);
     return false;
 }
 
@@ -131,7 +131,7 @@ bool ChannelMergeImageProcess::FindChannels() {
     const LayerData& own = layers_[static_cast<size_t>(current_)];
     const auto ownChannel = TaggedChannel(own.name);
     if (!ownChannel) {
-        return Refuse(texts::kNotAChannelImage);
+        return Refuse(Message::NotAChannelImage);
     }
     const std::string_view baseName = WithoutTag(own.name);
     slots_[IndexOf(*ownChannel)] = current_;
@@ -146,11 +146,11 @@ bool ChannelMergeImageProcess::FindChannels() {
             continue;
         }
         if (slots_[IndexOf(*channel)] >= 0) {
-            return Refuse(texts::kDuplicateChannelImage, NameOf(*channel));
+            return Refuse(Message::DuplicateChannelImage, NameOf(*channel));
         }
         // Never so while layers at other levels are passed over above.
         if (!IsAtOwnLevel(layer)) {
-            return Refuse(texts::kChannelImageAtOtherLevel, NameOf(*channel));
+            return Refuse(Message::ChannelImageAtOtherLevel, NameOf(*channel));
         }
         slots_[IndexOf(*channel)] = static_cast<int32_t>(&layer - layers_.data());
         Join(union_, layer.rect);
@@ -158,7 +158,7 @@ bool ChannelMergeImageProcess::FindChannels() {
             return true;
         }
     }
-    return Refuse(texts::kMissingChannelImages);
+    return Refuse(Message::MissingChannelImages);
 }
 
 bool ChannelMergeImageProcess::IsAtOwnLevel(const LayerData& layer) const {
@@ -167,7 +167,7 @@ bool ChannelMergeImageProcess::IsAtOwnLevel(const LayerData& layer) const {
 
 bool ChannelMergeImageProcess::IsAlphaLast() const {
     const int32_t last = *std::max_element(slots_.begin(), slots_.end());
-    return last == slots_[IndexOf(Channel::A)] || Refuse(texts::kAlphaMustBeBelow);
+    return last == slots_[IndexOf(Channel::A)] || Refuse(Message::AlphaMustBeBelow);
 }
 
 void ChannelMergeImageProcess::MergeLayer(const ExecuteArgs& args) {

@@ -6,6 +6,7 @@
 #include "lib/base/kv_array.h"
 #include "lib/base/zeroed_block.h"
 #include "lib/image/point/channels.h"
+#include "plugin/imgbasic/filter_row.h"
 #include "plugin/imgbasic/layer_data.h"
 #include "plugin/imgbasic/process.h"
 #include "plugin/imgbasic/texts.h"
@@ -31,7 +32,7 @@ class ChannelMergeImageProcess final : public ImageProcess {
     bool FindChannels();
     bool IsAtOwnLevel(const LayerData& layer) const;
     bool IsAlphaLast() const;
-    bool Refuse(const Text& text, const Text& argument = {"", ""}) const;
+    bool Refuse(texts::Message message, const Text& argument = {"", ""}) const;
     void MergeLayer(const ExecuteArgs& args);
     std::optional<Channel> ChannelAt(int32_t layer, int32_t subLayer) const;
     void CloseGap(int32_t layer, int32_t subLayer);
@@ -49,6 +50,13 @@ class ChannelMergeImageProcess final : public ImageProcess {
     Slots slots_ = kNoSlots;
     PixelRect union_;        ///< of the four layers' rectangles
     ZeroedBlock workImage_;  ///< the pixels of the result in the making, the size of the image
+};
+
+template <>
+inline constexpr FilterRow kRow<ChannelMergeImageProcess>{
+    .name = "chan_merge",
+    .displayName = {"チャンネル結合", "\x83`\x83\x83\x83\x93\x83l\x83\x8B\x8C\x8B\x8D\x87"},
+    .phases = 2,
 };
 
 }  // namespace imgbasic

@@ -4,37 +4,64 @@
 
 #include "lib/image/bitmap/kv_bitmap.h"
 #include "lib/image/palette/reduce_palette.h"
-#include "plugin/imgbasic/process.h"
+#include "plugin/imgbasic/target_process.h"
 
 namespace imgbasic {
 
-/// "col_reduce": at most ReduceColor colours, chosen from the image, with optional dithering.
-/// Options: ReduceColor, DitherType, SharePalette, GraduateReduce, TargetType. With SharePalette
-/// every visit of the topmost item with a rectangle chooses the palette anew from its pixels, also
-/// when that item is not the target, and all mapping until Dispose uses it.
-class ReduceColorImageProcess final : public ImageProcess {
+inline constexpr NumberRange kReduceColor{.least = 1, .most = 256, .initial = 16};
+
+/// "col_reduce": at most ReduceColor colours, chosen from the image, with optional dithering. With
+/// SharePalette every visit of the topmost item with a rectangle chooses the palette anew from its
+/// pixels, also when that item is not the target, and all mapping until Dispose uses it.
+class ReduceColorImageProcess final : public TargetImageProcess {
   public:
-    int BatchPrepare() override;
-    bool BatchDispose() override;
-    int Dialog(ApplyCallback apply) override;
-    int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged,
-              uint64_t unused1, uint64_t unused2, uint32_t* phaseFlag) override;
     bool Execute(const ExecuteArgs& args) override;
-    bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override;
     bool Dispose() override;
 
-    int32_t ReduceColor = 16;     ///< colours of the result, 1 to 256
-    int32_t DitherType = 3;       ///< 0 none, 1 ordered, 2 and 3 error diffusion
-    bool SharePalette = false;    ///< the topmost layer's palette serves every layer
-    bool GraduateReduce = false;  ///< halve the colours step by step from 256
+    int32_t ReduceColor = kReduceColor.initial;  ///< colours of the result
+    int32_t DitherType = 3;                      ///< kDitherTypes
+    bool SharePalette = false;                   ///< the topmost layer's palette serves every layer
+    bool GraduateReduce = false;                 ///< halve the colours step by step from 256
+
+  protected:
+    const FilterRow& Row() const override;
 
   private:
     int32_t ColorLimit() const;
-    bool BuildSharedPalette(const KVBitmap& bitmap);
-    bool ExecuteMerged(const ExecuteArgs& args) const;
+    /// Chooses the palette from the visited item's pixels; true when there are none.
+    bool BuildSharedPalette(const ExecuteArgs& args);
     bool MapAndWrite(RGBA16* dst, PixelRect rect, const KVBitmap& bitmap) const;
 
     std::unique_ptr<ReducePalette> sharedPalette_;
+};
+
+inline constexpr Text kDitherTypes[] = {
+    {"なし", "\x82\xC8\x82\xB5"},
+    {"パターン", "\x83p\x83^\x81[\x83\x93"},
+    {"誤差拡散(小)", "\x8C\xEB\x8D\xB7\x8Ag\x8EU(\x8F\xAC)"},
+    {"誤差拡散(大)", "\x8C\xEB\x8D\xB7\x8Ag\x8EU(\x91\xE5)"},
+};
+
+inline constexpr FilterOption kReduceColorOptions[] = {
+    NumberOption<&ReduceColorImageProcess::ReduceColor>(
+        "ReduceColor", kReduceColor, {IDC_COLORS_SLIDER, IDC_COLORS_EDIT, IDC_COLORS_SPIN}),
+    ChoiceOption<&ReduceColorImageProcess::DitherType>("DitherType", kDitherTypes, 3,
+                                                       IDC_DITHER_TYPE),
+    TargetOption(),
+    SwitchOption<&ReduceColorImageProcess::SharePalette>("SharePalette", false, IDC_SHARE_PALETTE),
+    SwitchOption<&ReduceColorImageProcess::GraduateReduce>("GraduateReduce", false,
+                                                           IDC_GRADUATE_REDUCE),
+};
+
+template <>
+inline constexpr FilterRow kRow<ReduceColorImageProcess>{
+    .name = "col_reduce",
+    .displayName = {"減色", "\x8C\xB8\x90\x46"},
+    .batch = BatchUse::Dialog,
+    .repeatsOptions = true,
+    .dialog = IDD_REDUCE_COLOR,
+    .dialogChecks = true,
+    .options = kReduceColorOptions,
 };
 
 }  // namespace imgbasic

@@ -6,12 +6,13 @@
 #include "plugin/imgbasic/filter_table.h"
 #include "plugin/imgbasic/process.h"
 
+using imgbasic::BatchUse;
+using imgbasic::CreateFilter;
 using imgbasic::ExecuteArgs;
-using imgbasic::Filter;
+using imgbasic::FilterRow;
 using imgbasic::FindFilter;
 using imgbasic::ImageProcess;
 using imgbasic::RGBA16;
-using imgbasic::RowOf;
 
 namespace {
 
@@ -19,7 +20,7 @@ namespace {
 /// not cross into the host, which may be built by another compiler: it becomes `otherwise` too.
 template <typename Result, typename Operation>
 Result Forward(const char* name, const void* object, Result otherwise, Operation&& operation) {
-    if (!FindFilter(name) || object == nullptr) {
+    if (FindFilter(name) == nullptr || object == nullptr) {
         return otherwise;
     }
     try {
@@ -32,36 +33,34 @@ Result Forward(const char* name, const void* object, Result otherwise, Operation
 }  // namespace
 
 const char* PluginGetName(const char* name) {
-    const auto filter = FindFilter(name);
-    return filter ? RowOf(*filter).displayName.shiftJis : nullptr;
+    const FilterRow* filter = FindFilter(name);
+    return filter != nullptr ? filter->displayName.shiftJis : nullptr;
 }
 
 bool ImagePluginIsSizeChange(const char* name) {
-    return FindFilter(name) == Filter::Scaling;
+    const FilterRow* filter = FindFilter(name);
+    return filter != nullptr && filter->changesSize;
 }
 
 bool ImagePluginIsBatchEnable(const char* name) {
-    const auto filter = FindFilter(name);
-    return filter && *filter != Filter::ChanDecomp && *filter != Filter::ChanMerge;
+    const FilterRow* filter = FindFilter(name);
+    return filter != nullptr && filter->batch != BatchUse::None;
 }
 
 int ImagePluginGetPhase(const char* name) {
-    const auto filter = FindFilter(name);
-    if (!filter) {
-        return 0;
-    }
-    return *filter == Filter::ChanMerge ? 2 : 1;
+    const FilterRow* filter = FindFilter(name);
+    return filter != nullptr ? filter->phases : 0;
 }
 
 ImageProcess* ImagePluginPrepare2(const char* name, int width, int height, int hostParam,
                                   int curLayer, int curSubLayer, uint32_t drawColor,
                                   uint32_t backColor, uint64_t /*ignored1*/, HWND ownerWindow,
                                   uint64_t /*ignored2*/, ImageProcess* reference) {
-    const auto filter = FindFilter(name);
-    if (!filter) {
+    const FilterRow* filter = FindFilter(name);
+    if (filter == nullptr) {
         return nullptr;
     }
-    auto object = RowOf(*filter).create();
+    auto object = CreateFilter(*filter);
     object->width = width;
     object->height = height;
     object->hostParam = hostParam;
@@ -75,11 +74,11 @@ ImageProcess* ImagePluginPrepare2(const char* name, int width, int height, int h
 }
 
 ImageProcess* ImagePluginBatchPrepare(const char* name, HWND ownerWindow, int* cancelled) {
-    const auto filter = FindFilter(name);
-    if (!filter) {
+    const FilterRow* filter = FindFilter(name);
+    if (filter == nullptr) {
         return nullptr;
     }
-    auto object = RowOf(*filter).create();
+    auto object = CreateFilter(*filter);
     object->ownerWindow = ownerWindow;
     const int prepared = Forward(name, object.get(), 0, [&] { return object->BatchPrepare(); });
     if (prepared < 0 && cancelled != nullptr) {
@@ -139,5 +138,5 @@ bool ImagePluginBatchDispose(const char* name, ImageProcess* object) {
         const std::unique_ptr<ImageProcess> owned(object);
         return owned->BatchDispose();
     });
-    return FindFilter(name).has_value();
+    return FindFilter(name) != nullptr;
 }

@@ -1,23 +1,21 @@
 #include "plugin/imgbasic/filter_table.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "lib/base/ascii.h"
-#include "plugin/imgbasic/chan_decomp.h"
-#include "plugin/imgbasic/chan_merge.h"
-#include "plugin/imgbasic/col_reduce.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/nega.h"
-#include "plugin/imgbasic/scaling.h"
+#include "plugin/imgbasic/filters.h"
 
 namespace imgbasic {
 namespace {
 
-constexpr size_t kLongestName = sizeof("chan_decomp") - 1;
-
-template <typename Process>
-std::unique_ptr<ImageProcess> Create() {
-    return std::make_unique<Process>();
-}
+constexpr size_t kLongestName = [] {
+    size_t longest = 0;
+    for (const FilterRow& row : kFilterRows) {
+        longest = std::max(longest, std::string_view(row.name).size());
+    }
+    return longest;
+}();
 
 /// Not std::strlen, which would follow a name without an end out of its buffer.
 size_t BoundedLength(const char* name) {
@@ -28,29 +26,31 @@ size_t BoundedLength(const char* name) {
     return length;
 }
 
+template <typename Process>
+std::unique_ptr<ImageProcess> Create() {
+    return std::make_unique<Process>();
+}
+
+template <typename... Process>
+std::unique_ptr<ImageProcess> CreateNth(size_t index, FilterList<Process...> /*filters*/) {
+    constexpr std::unique_ptr<ImageProcess> (*kCreate[])() = {Create<Process>...};
+    return kCreate[index]();
+}
+
 }  // namespace
 
-const std::array<FilterRow, 7> kFilterTable{{
-    {"gray", texts::kGray, Create<GrayScaleImageProcess>},
-    {"mono", texts::kMono, Create<MonoImageProcess>},
-    {"nega", texts::kNega, Create<NegaImageProcess>},
-    {"chan_decomp", texts::kChanDecomp, Create<ChannelDecomposeImageProcess>},
-    {"chan_merge", texts::kChanMerge, Create<ChannelMergeImageProcess>},
-    {"col_reduce", texts::kColReduce, Create<ReduceColorImageProcess>},
-    {"scaling", texts::kScaling, Create<ScalingImageProcess>},
-}};
-
-std::optional<Filter> FindFilter(const char* name) {
+const FilterRow* FindFilter(const char* name) {
     if (name == nullptr) {
-        return std::nullopt;
+        return nullptr;
     }
-    const size_t length = BoundedLength(name);
-    for (size_t index = 0; index < kFilterTable.size(); ++index) {
-        if (EqualIgnoringCase({name, length}, kFilterTable[index].name)) {
-            return static_cast<Filter>(index);
-        }
-    }
-    return std::nullopt;
+    const std::string_view asked(name, BoundedLength(name));
+    const auto* row = std::ranges::find_if(
+        kFilterRows, [&](const FilterRow& r) { return EqualIgnoringCase(asked, r.name); });
+    return row != kFilterRows.end() ? row : nullptr;
+}
+
+std::unique_ptr<ImageProcess> CreateFilter(const FilterRow& row) {
+    return CreateNth(static_cast<size_t>(&row - kFilterRows.data()), Filters{});
 }
 
 }  // namespace imgbasic

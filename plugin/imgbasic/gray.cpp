@@ -3,7 +3,6 @@
 #include <iterator>
 
 #include "lib/image/point/gray.h"
-#include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/target.h"
 
 namespace imgbasic {
@@ -28,29 +27,6 @@ uint32_t TintOf(const GrayScaleImageProcess& process) {
 
 }  // namespace
 
-int GrayScaleImageProcess::BatchPrepare() {
-    applyCallback = nullptr;
-    return 1;
-}
-
-bool GrayScaleImageProcess::BatchDispose() {
-    return true;
-}
-
-int GrayScaleImageProcess::Dialog(ApplyCallback apply) {
-    applyCallback = apply;
-    if (reference != nullptr) {
-        return ApplyNow();
-    }
-    return RunOptionsDialog(*this) ? 1 : -1;
-}
-
-int GrayScaleImageProcess::Phase(int /*phase*/, uint32_t* /*newWidth*/, uint32_t* /*newHeight*/,
-                                 const RGBA16* merged, uint64_t /*unused1*/, uint64_t /*unused2*/,
-                                 uint32_t* /*phaseFlag*/) {
-    return KeepMergedImage(merged);
-}
-
 bool GrayScaleImageProcess::Execute(const ExecuteArgs& args) {
     GrayRow& row = GrayRowFor(CalcMode);
     const uint32_t tint = TintOf(*this);
@@ -60,13 +36,8 @@ bool GrayScaleImageProcess::Execute(const ExecuteArgs& args) {
                            });
 }
 
-bool GrayScaleImageProcess::AdjustLocate(int /*index*/, int layer, int subLayer, double* /*x*/,
-                                         double* /*y*/) {
-    return IsOutsideTarget(layer, subLayer);
-}
-
-bool GrayScaleImageProcess::Dispose() {
-    return true;
+const FilterRow& GrayScaleImageProcess::Row() const {
+    return kRow<GrayScaleImageProcess>;
 }
 
 }  // namespace imgbasic

@@ -24,9 +24,9 @@ std::string Format(std::string text, const char* argument) {
 
 void ShowToUser([[maybe_unused]] HWND owner, const Text& text) {
 #ifdef _WIN32
-    MessageBoxA(owner, text.shiftJis, texts::kErrorCaption.shiftJis, MB_OK);
+    MessageBoxA(owner, text.shiftJis, texts::Of(texts::Message::ErrorCaption).shiftJis, MB_OK);
 #else
-    std::fprintf(stderr, "%s: %s\n", texts::kErrorCaption.utf8, text.utf8);
+    std::fprintf(stderr, "%s: %s\n", texts::Of(texts::Message::ErrorCaption).utf8, text.utf8);
 #endif
 }
 

@@ -1,23 +1,37 @@
 #pragma once
 
-#include "plugin/imgbasic/process.h"
+#include "plugin/imgbasic/target_process.h"
 
 namespace imgbasic {
 
-/// "mono": black or white for every pixel, by its red channel seen over white.
-/// Options: Threshold, TargetType.
-class MonoImageProcess final : public ImageProcess {
-  public:
-    int BatchPrepare() override;
-    bool BatchDispose() override;
-    int Dialog(ApplyCallback apply) override;
-    int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged,
-              uint64_t unused1, uint64_t unused2, uint32_t* phaseFlag) override;
-    bool Execute(const ExecuteArgs& args) override;
-    bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override;
-    bool Dispose() override;
+inline constexpr NumberRange kThreshold{.least = 1, .most = 255, .initial = 128};
 
-    int32_t Threshold = 128;  ///< 8-bit level from which a pixel is white, 1 to 255
+/// "mono": black or white for every pixel, by its red channel seen over white.
+class MonoImageProcess final : public TargetImageProcess {
+  public:
+    bool Execute(const ExecuteArgs& args) override;
+
+    int32_t Threshold = kThreshold.initial;  ///< 8-bit level from which a pixel is white
+
+  protected:
+    const FilterRow& Row() const override;
+};
+
+inline constexpr FilterOption kMonoOptions[] = {
+    NumberOption<&MonoImageProcess::Threshold>(
+        "Threshold", kThreshold, {IDC_THRESHOLD_SLIDER, IDC_THRESHOLD_EDIT, IDC_THRESHOLD_SPIN}),
+    TargetOption(),
+};
+
+template <>
+inline constexpr FilterRow kRow<MonoImageProcess>{
+    .name = "mono",
+    .displayName = {"2階調化", "2\x8AK\x92\xB2\x89\xBB"},
+    .batch = BatchUse::Dialog,
+    .repeatsOptions = true,
+    .dialog = IDD_MONO,
+    .dialogChecks = true,
+    .options = kMonoOptions,
 };
 
 }  // namespace imgbasic

@@ -1,21 +1,29 @@
 #pragma once
 
-#include "plugin/imgbasic/process.h"
+#include "plugin/imgbasic/target_process.h"
 
 namespace imgbasic {
 
 /// "nega": the complement of every colour channel; alpha stays, and is not looked at.
-/// Its one option is TargetType.
-class NegaImageProcess final : public ImageProcess {
+class NegaImageProcess final : public TargetImageProcess {
   public:
-    int BatchPrepare() override;
-    bool BatchDispose() override;
-    int Dialog(ApplyCallback apply) override;
-    int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged,
-              uint64_t unused1, uint64_t unused2, uint32_t* phaseFlag) override;
     bool Execute(const ExecuteArgs& args) override;
-    bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override;
-    bool Dispose() override;
+
+  protected:
+    const FilterRow& Row() const override;
+};
+
+inline constexpr FilterOption kNegaOptions[] = {TargetOption()};
+
+// There is nothing to ask for in a batch, which has no layers to choose from, and nothing that a
+// repeated run could take over.
+template <>
+inline constexpr FilterRow kRow<NegaImageProcess>{
+    .name = "nega",
+    .displayName = {"階調の反転", "\x8AK\x92\xB2\x82\xCC\x94\xBD\x93]"},
+    .batch = BatchUse::Unasked,
+    .dialog = IDD_NEGA,
+    .options = kNegaOptions,
 };
 
 }  // namespace imgbasic

@@ -11,10 +11,6 @@ int ImageProcess::KeepMergedImage(const RGBA16* merged) {
     return 1;
 }
 
-bool ImageProcess::IsOutsideTarget(int layer, int subLayer) const {
-    return TargetType == CurrentLayer && (layer != curLayer || subLayer != curSubLayer);
-}
-
 int ImageProcess::ApplyNow() const {
     return applyCallback != nullptr && applyCallback() ? 1 : 0;
 }

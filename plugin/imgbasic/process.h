@@ -82,10 +82,6 @@ class ImageProcess {
     /// The Phase of every filter that only needs the merged image.
     int KeepMergedImage(const RGBA16* merged);
 
-    /// The AdjustLocate of every filter that keeps the image's size: whether the position is
-    /// outside the one layer that the filter is aimed at.
-    bool IsOutsideTarget(int layer, int subLayer) const;
-
     /// Runs the filter at once, without a dialog, through applyCallback: 1, or 0 when refused.
     int ApplyNow() const;
 };

@@ -12,7 +12,7 @@ namespace {
 int32_t PercentOfSide(int32_t percent, int32_t size) {
     const auto product =
         static_cast<int32_t>(static_cast<uint32_t>(percent) * static_cast<uint32_t>(size));
-    return std::clamp(product / 100, 1, ScalingImageProcess::kMaxSize);
+    return std::clamp(product / 100, kSide.least, kSide.most);
 }
 
 ResampleRect WholeImage(int32_t width, int32_t height) {

@@ -2,25 +2,21 @@
 
 #include <vector>
 
+#include "plugin/imgbasic/filter_row.h"
 #include "plugin/imgbasic/settings_store.h"
 
 namespace imgbasic {
 
-// What each filter remembers of the options that its user last confirmed. The functions exist for
-// NegaImageProcess, GrayScaleImageProcess, MonoImageProcess, ReduceColorImageProcess and
-// ScalingImageProcess.
+// What each filter remembers of the options that its user last confirmed: those of its row.
 
-/// Loads the stored options over those in the object. Numbers out of range become valid ones;
-/// without anything stored the object stays as it is.
-template <typename Process>
-void LoadSettings(Process& process);
+/// Loads the stored options over those in an object of the filter. Numbers out of range become
+/// valid ones; without anything stored the object stays as it is.
+void LoadSettings(ImageProcess& process, const FilterRow& filter);
 
 /// Stores the object's options. A store that cannot be written is not reported.
-template <typename Process>
-void SaveSettings(const Process& process);
+void SaveSettings(const ImageProcess& process, const FilterRow& filter);
 
-/// The options that are stored for the filter of this name, unchecked, in the order in which they
-/// are written; nothing for any other name.
-std::vector<StoredNumber> ListSettings(const char* filter);
+/// The options that are stored for the filter, unchecked, in the order in which they are written.
+std::vector<StoredNumber> ListSettings(const FilterRow& filter);
 
 }  // namespace imgbasic

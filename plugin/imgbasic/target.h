@@ -24,16 +24,17 @@ TargetAction SelectTarget(const ImageProcess& process, const ExecuteArgs& args);
 /// Selects the current layer, whatever TargetType and inRect.
 TargetAction SelectCurrent(const ImageProcess& process, const ExecuteArgs& args);
 
-/// The Execute of a point filter: runs `row(dst, src, count, store)` (see ForEachRun) over the
-/// selected target, clipped to the image, and reports the area. False for a layer in a folder
-/// that the target cannot mean, and when the host never handed over the merged image.
-template <typename RowFunction>
-bool ExecuteOnTarget(const ImageProcess& process, const ExecuteArgs& args, MergedResult announce,
-                     RowFunction&& row) {
+/// Does what `action` says and reports the area, clipped to the image, that
+/// `operation(source, rect)` is to process; its answer is the result, true where there are no
+/// pixels. False for a layer in a folder that the target cannot mean, and when the host never
+/// handed over the merged image.
+template <typename Operation>
+bool ProcessTarget(const ImageProcess& process, const ExecuteArgs& args, TargetAction action,
+                   MergedResult announce, Operation&& operation) {
     const RECT image{0, 0, process.width, process.height};
     const RGBA16* source = args.src;
     const RECT* area = args.inRect;
-    switch (SelectTarget(process, args)) {
+    switch (action) {
         case TargetAction::Refuse:
             return false;
         case TargetAction::Nothing:
@@ -57,10 +58,22 @@ bool ExecuteOnTarget(const ImageProcess& process, const ExecuteArgs& args, Merge
     if (args.outRect != nullptr) {
         *args.outRect = *area;
     }
-    if (args.dst != nullptr && source != nullptr) {
-        ForEachRun(args.dst, source, process.width, ClippedTo(process, *area), row);
-    }
-    return true;
+    const PixelRect rect = ClippedTo(process, *area);
+    return source == nullptr || rect.IsEmpty() || operation(source, rect);
+}
+
+/// The Execute of a point filter: runs `row(dst, src, count, store)` (see ForEachRun) over the
+/// selected target.
+template <typename RowFunction>
+bool ExecuteOnTarget(const ImageProcess& process, const ExecuteArgs& args, MergedResult announce,
+                     RowFunction&& row) {
+    return ProcessTarget(process, args, SelectTarget(process, args), announce,
+                         [&](const RGBA16* source, PixelRect rect) {
+                             if (args.dst != nullptr) {
+                                 ForEachRun(args.dst, source, process.width, rect, row);
+                             }
+                             return true;
+                         });
 }
 
 }  // namespace imgbasic

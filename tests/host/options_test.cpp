@@ -12,7 +12,7 @@ namespace {
 std::string Outcome(std::string_view filter, const std::string& text) {
     try {
         const OptionValue option = ParseOption(filter, text);
-        return std::string(option.field->name) + " " + std::to_string(option.value);
+        return std::string(option.option->name) + " " + std::to_string(option.value);
     } catch (const std::invalid_argument& fault) {
         return fault.what();
     }
@@ -25,16 +25,18 @@ TEST(Options, AreReadFromFieldAndValue) {
         const char* outcome;
     } cases[] = {
         {"gray", "CalcMode=9", "CalcMode 9"},
-        {"nega", "TargetType=-1", "TargetType -1"},
+        {"scaling", "RatioWidth=819200", "RatioWidth 819200"},
+        {"nega", "TargetType=-1", "'TargetType=-1': the value must be a whole number, 0 to 2"},
+        {"scaling", "newWidth=0", "'newWidth=0': the value must be a whole number, 1 to 8192"},
         {"scaling", "BoundAlpha=false", "BoundAlpha 0"},
         {"scaling", "RatioSize=true", "RatioSize 1"},
         {"scaling", "RatioSize=1", "RatioSize 1"},
         {"scaling", "RatioSize=2", "'RatioSize=2': the value must be 0, 1, true or false"},
-        {"mono", "Threshold=true", "'Threshold=true': the value must be a whole number"},
-        {"mono", "Threshold=", "'Threshold=': the value must be a whole number"},
-        {"mono", "Threshold=1x", "'Threshold=1x': the value must be a whole number"},
+        {"mono", "Threshold=true", "'Threshold=true': the value must be a whole number, 1 to 255"},
+        {"mono", "Threshold=", "'Threshold=': the value must be a whole number, 1 to 255"},
+        {"mono", "Threshold=1x", "'Threshold=1x': the value must be a whole number, 1 to 255"},
         {"mono", "Threshold=2147483648",
-         "'Threshold=2147483648': the value must be a whole number"},
+         "'Threshold=2147483648': the value must be a whole number, 1 to 255"},
         {"mono", "Threshold",
          "'Threshold' sets nothing; write Field=value, the options are Threshold, TargetType"},
         {"nega", "Threshold=1",

@@ -358,7 +358,8 @@ TEST(ChannelFilters, MergeOutlivesBrokenRuns) {
         }
         EXPECT_EQ(phase(1), size == INT_MAX ? 0 : 1) << "more memory than there is";
         EXPECT_EQ(phase(1), -2);
-        EXPECT_EQ(message, std::string("\x97\xCE") + (texts::kDuplicateChannelImage.shiftJis + 2));
+        EXPECT_EQ(message, std::string("\x97\xCE") +
+                               (texts::Of(texts::Message::DuplicateChannelImage).shiftJis + 2));
     }
 }
 

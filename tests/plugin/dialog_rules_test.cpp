@@ -4,10 +4,8 @@
 
 #include "plugin/imgbasic/col_reduce.h"
 #include "plugin/imgbasic/dialogs.h"
-#include "plugin/imgbasic/gray.h"
+#include "plugin/imgbasic/filter_table.h"
 #include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/nega.h"
-#include "plugin/imgbasic/scaling.h"
 #include "plugin/imgbasic/settings.h"
 #include "tests/plugin/private_store.h"
 
@@ -41,9 +39,10 @@ struct Host {
 TEST(DialogRules, RunTheHostOnceForEveryChange) {
     MonoImageProcess mono;
     const Host host(&mono);
-    auto options = OptionsOf(mono);
+    mono.applyCallback = Host::Agree;
+    PreviewedOptions options(mono, kRow<MonoImageProcess>);
     const auto press = [&](Press button, int32_t threshold, int32_t target) {
-        return CarryOut(button, options, std::vector{threshold, target}, Host::Agree);
+        return options.CarryOut(button, std::vector{threshold, target});
     };
     EXPECT_EQ(press(Press::Preview, 128, 0), DialogEnd::StaysOpen);
     EXPECT_EQ(press(Press::Preview, 128, 0), DialogEnd::StaysOpen);
@@ -61,38 +60,47 @@ TEST(DialogRules, EndAsCancelledWhenTheHostRefuses) {
     for (const Press button : {Press::Preview, Press::Execute}) {
         MonoImageProcess mono;
         const Host host(&mono);
-        auto options = OptionsOf(mono);
-        EXPECT_EQ(CarryOut(button, options, std::vector{9, 1}, Host::Refuse), DialogEnd::Cancelled);
+        mono.applyCallback = Host::Refuse;
+        PreviewedOptions options(mono, kRow<MonoImageProcess>);
+        EXPECT_EQ(options.CarryOut(button, std::vector{9, 1}), DialogEnd::Cancelled);
         EXPECT_EQ(mono.Threshold, 9) << "the refused options stay";
-        EXPECT_EQ(CarryOut(button, options, std::vector{9, 1}, Host::Refuse), DialogEnd::Cancelled);
+        EXPECT_EQ(options.CarryOut(button, std::vector{9, 1}), DialogEnd::Cancelled);
         EXPECT_EQ(Host::calls, 2) << "a refused run does not count as sent";
     }
 }
 
 /// Whether `shown` gets as far as a run of the host.
-template <typename Process>
-bool Accepts(const std::vector<int32_t>& shown) {
-    Process process;
+bool Accepts(const char* filter, const std::vector<int32_t>& shown) {
+    const FilterRow& row = *FindFilter(filter);
+    const auto process = CreateFilter(row);
     const Host host;
-    auto options = OptionsOf(process);
-    const DialogEnd end = CarryOut(Press::Execute, options, shown, Host::Agree);
+    process->applyCallback = Host::Agree;
+    const DialogEnd end = PreviewedOptions(*process, row).CarryOut(Press::Execute, shown);
     EXPECT_EQ(end == DialogEnd::Confirmed, Host::calls == 1);
     return Host::calls == 1;
 }
 
 TEST(DialogRules, ValidateTwoColoursAndReductionAlone) {
-    EXPECT_TRUE(Accepts<MonoImageProcess>({1, 0}));
-    EXPECT_TRUE(Accepts<MonoImageProcess>({255, 2}));
+    EXPECT_TRUE(Accepts("mono", {1, 0}));
+    EXPECT_TRUE(Accepts("mono", {255, 2}));
     for (const auto& shown : {std::vector{0, 0}, {256, 0}, {128, 3}, {128, -1}}) {
-        EXPECT_FALSE(Accepts<MonoImageProcess>(shown));
+        EXPECT_FALSE(Accepts("mono", shown));
     }
-    EXPECT_TRUE(Accepts<ReduceColorImageProcess>({1, 3, 0, 0, 0}));
+    EXPECT_TRUE(Accepts("col_reduce", {1, 3, 0, 0, 0}));
     for (const auto& shown :
          {std::vector{0, 0, 0, 0, 0}, {257, 0, 0, 0, 0}, {16, 4, 0, 0, 0}, {16, 0, 3, 0, 0}}) {
-        EXPECT_FALSE(Accepts<ReduceColorImageProcess>(shown));
+        EXPECT_FALSE(Accepts("col_reduce", shown));
     }
-    EXPECT_TRUE(Accepts<NegaImageProcess>({99}));
-    EXPECT_TRUE(Accepts<GrayScaleImageProcess>({99, -5, 99}));
+    EXPECT_TRUE(Accepts("nega", {99}));
+    EXPECT_TRUE(Accepts("gray", {99, -5, 99}));
+}
+
+TEST(DialogRules, MissingControlsCountAsNothingOrTheInitialChoice) {
+    std::vector<int32_t> absent;
+    for (const FilterOption& option : kReduceColorOptions) {
+        absent.push_back(AbsentValue(option));
+    }
+    EXPECT_EQ(absent, (std::vector<int32_t>{0, 3, 0, 0, 0}));
 }
 
 TEST(DialogRules, RatioRangeReachesOnePixelAndTheLargestSide) {
@@ -153,19 +161,19 @@ TEST(UnseenDialog, AsksTheHostOnceAndStoresWhatItAgreedTo) {
     ClearPrivateStore();
     MonoImageProcess mono;
     mono.Threshold = 77;
-    mono.applyCallback = nullptr;
+    const FilterRow& row = kRow<MonoImageProcess>;
     const Host host(&mono);
-    EXPECT_TRUE(RunOptionsDialog(mono));
-    EXPECT_TRUE(ListSettings("mono").empty()) << "without a host nothing is written";
+    EXPECT_TRUE(RunOptionsDialog(mono, row));
+    EXPECT_TRUE(ListSettings(row).empty()) << "without a host nothing is written";
     mono.applyCallback = Host::Refuse;
-    EXPECT_FALSE(RunOptionsDialog(mono));
-    EXPECT_TRUE(ListSettings("mono").empty());
+    EXPECT_FALSE(RunOptionsDialog(mono, row));
+    EXPECT_TRUE(ListSettings(row).empty());
     mono.applyCallback = Host::Agree;
-    EXPECT_TRUE(RunOptionsDialog(mono));
+    EXPECT_TRUE(RunOptionsDialog(mono, row));
     EXPECT_EQ(Host::thresholds, (std::vector<int32_t>{77, 77}));
 
     MonoImageProcess next;
-    EXPECT_TRUE(RunOptionsDialog(next));
+    EXPECT_TRUE(RunOptionsDialog(next, row));
     EXPECT_EQ(next.Threshold, 77);
 
     ScalingImageProcess scaling;

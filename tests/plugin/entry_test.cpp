@@ -2,37 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <memory>
 #include <string>
 
-#include "plugin/imgbasic/chan_decomp.h"
-#include "plugin/imgbasic/col_reduce.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/nega.h"
-#include "plugin/imgbasic/scaling.h"
+#include "plugin/imgbasic/filters.h"
 #include "tests/plugin/private_store.h"
 
 namespace imgbasic {
 namespace {
-
-struct FilterFacts {
-    const char* name;
-    const char* displayName;
-    bool sizeChange;
-    bool batch;
-    int phases;
-};
-
-constexpr FilterFacts kFacts[] = {
-    {"gray", "\x83O\x83\x8C\x81[\x83X\x83P\x81[\x83\x8B", false, true, 1},
-    {"MONO", "2\x8AK\x92\xB2\x89\xBB", false, true, 1},
-    {"Nega", "\x8AK\x92\xB2\x82\xCC\x94\xBD\x93]", false, true, 1},
-    {"chan_decomp", "\x83`\x83\x83\x83\x93\x83l\x83\x8B\x95\xAA\x89\xF0", false, false, 1},
-    {"CHAN_MERGE", "\x83`\x83\x83\x83\x93\x83l\x83\x8B\x8C\x8B\x8D\x87", false, false, 2},
-    {"col_reduce", "\x8C\xB8\x90\x46", false, true, 1},
-    {"scaLIng", "\x8Ag\x91\xE5\x8Fk\x8F\xAC", true, true, 1},
-};
 
 ImageProcess* Prepare(const char* name, ImageProcess* reference = nullptr) {
     return ImagePluginPrepare2(name, 30, 20, 7, 2, 1, 0x112233, 0x445566, 1, nullptr, 2, reference);
@@ -47,12 +25,14 @@ bool Refuse() {
 }
 
 TEST(Entry, AnswersTheQueriesForEveryFilter) {
-    for (const FilterFacts& facts : kFacts) {
-        SCOPED_TRACE(facts.name);
-        EXPECT_STREQ(PluginGetName(facts.name), facts.displayName);
-        EXPECT_EQ(ImagePluginIsSizeChange(facts.name), facts.sizeChange);
-        EXPECT_EQ(ImagePluginIsBatchEnable(facts.name), facts.batch);
-        EXPECT_EQ(ImagePluginGetPhase(facts.name), facts.phases);
+    for (const FilterRow& row : kFilterRows) {
+        std::string name = row.name;
+        name[1] = static_cast<char>(std::toupper(name[1]));
+        SCOPED_TRACE(name);
+        EXPECT_STREQ(PluginGetName(name.c_str()), row.displayName.shiftJis);
+        EXPECT_EQ(ImagePluginIsSizeChange(name.c_str()), row.changesSize);
+        EXPECT_EQ(ImagePluginIsBatchEnable(name.c_str()), row.batch != BatchUse::None);
+        EXPECT_EQ(ImagePluginGetPhase(name.c_str()), row.phases);
     }
 }
 
@@ -91,8 +71,8 @@ TEST(Entry, LeavesAnObjectAloneUnderAnUnknownName) {
 }
 
 TEST(Entry, AnswersForANullObject) {
-    for (const FilterFacts& facts : kFacts) {
-        const char* name = facts.name;
+    for (const FilterRow& row : kFilterRows) {
+        const char* name = row.name;
         EXPECT_EQ(ImagePluginDialog(name, nullptr, Agree), 0);
         EXPECT_EQ(ImagePluginPhase2(name, nullptr, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
         EXPECT_FALSE(ImagePluginExecute4(name, nullptr, 0, 0, -1, 0, nullptr, nullptr, nullptr,
@@ -105,42 +85,22 @@ TEST(Entry, AnswersForANullObject) {
     }
 }
 
-void ExpectCreationDefaults(const ImageProcess* object) {
+void ExpectCreationDefaults(const ImageProcess* object, const FilterRow& row) {
     EXPECT_EQ(object->applyCallback, nullptr);
     EXPECT_EQ(object->TargetType, 0);
     EXPECT_EQ(object->mergedImage, nullptr);
-    if (const auto* gray = dynamic_cast<const GrayScaleImageProcess*>(object)) {
-        EXPECT_EQ(gray->CalcMode, 0);
-        EXPECT_EQ(gray->ColorMode, 0);
-    } else if (const auto* mono = dynamic_cast<const MonoImageProcess*>(object)) {
-        EXPECT_EQ(mono->Threshold, 128);
-    } else if (const auto* reduce = dynamic_cast<const ReduceColorImageProcess*>(object)) {
-        EXPECT_EQ(reduce->ReduceColor, 16);
-        EXPECT_EQ(reduce->DitherType, 3);
-        EXPECT_FALSE(reduce->SharePalette);
-        EXPECT_FALSE(reduce->GraduateReduce);
-    } else if (const auto* scaling = dynamic_cast<const ScalingImageProcess*>(object)) {
-        EXPECT_FALSE(scaling->RatioSize);
-        EXPECT_EQ(scaling->RatioWidth, 100);
-        EXPECT_EQ(scaling->RatioHeight, 100);
-        EXPECT_TRUE(scaling->FixRatio);
-        EXPECT_EQ(scaling->InterType, 2);
-        EXPECT_EQ(scaling->BoundaryType, 0);
-        EXPECT_TRUE(scaling->BoundAlpha);
-        EXPECT_TRUE(scaling->ChangeBrush);
-        EXPECT_FALSE(scaling->skipDialog);
-    } else if (const auto* decomp = dynamic_cast<const ChannelDecomposeImageProcess*>(object)) {
-        EXPECT_EQ(decomp->startLayer, -1);
-        EXPECT_EQ(decomp->startSubLayer, -1);
-        EXPECT_FALSE(decomp->finished);
+    for (const FilterOption& option : row.options) {
+        if (option.isStored || row.batch != BatchUse::Dialog) {
+            EXPECT_EQ(option.get(*object), option.initial) << option.name;
+        }
     }
 }
 
 TEST(Entry, CreatesInteractiveObjectsWithWhatTheHostTold) {
     ImageProcess* reference = Prepare("nega");
-    for (const FilterFacts& facts : kFacts) {
-        SCOPED_TRACE(facts.name);
-        ImageProcess* object = Prepare(facts.name, reference);
+    for (const FilterRow& row : kFilterRows) {
+        SCOPED_TRACE(row.name);
+        ImageProcess* object = Prepare(row.name, reference);
         EXPECT_EQ(object->width, 30);
         EXPECT_EQ(object->height, 20);
         EXPECT_EQ(object->hostParam, 7);
@@ -150,21 +110,21 @@ TEST(Entry, CreatesInteractiveObjectsWithWhatTheHostTold) {
         EXPECT_EQ(object->backColor, 0x445566U);
         EXPECT_EQ(object->ownerWindow, nullptr);
         EXPECT_EQ(object->reference, reference);
-        ExpectCreationDefaults(object);
-        EXPECT_TRUE(ImagePluginDispose(facts.name, object));
+        ExpectCreationDefaults(object, row);
+        EXPECT_TRUE(ImagePluginDispose(row.name, object));
     }
     EXPECT_TRUE(ImagePluginDispose("nega", reference));
 }
 
 TEST(Entry, CreatesBatchObjectsWithoutAnImage) {
     ClearPrivateStore();
-    for (const FilterFacts& facts : kFacts) {
-        SCOPED_TRACE(facts.name);
-        const bool scaling = facts.sizeChange;
+    for (const FilterRow& row : kFilterRows) {
+        SCOPED_TRACE(row.name);
+        const bool scaling = row.changesSize;
         int cancelled = 5;
-        ImageProcess* object = ImagePluginBatchPrepare(facts.name, nullptr, &cancelled);
+        ImageProcess* object = ImagePluginBatchPrepare(row.name, nullptr, &cancelled);
         EXPECT_EQ(cancelled, 5) << "refused or done, but not cancelled";
-        ASSERT_EQ(object != nullptr, facts.batch);
+        ASSERT_EQ(object != nullptr, row.batch != BatchUse::None);
         if (object == nullptr) {
             continue;
         }
@@ -173,8 +133,8 @@ TEST(Entry, CreatesBatchObjectsWithoutAnImage) {
         EXPECT_EQ(object->curLayer, 0);
         EXPECT_EQ(object->curSubLayer, -1);
         EXPECT_EQ(object->reference, nullptr);
-        ExpectCreationDefaults(object);
-        EXPECT_TRUE(ImagePluginBatchDispose(facts.name, object));
+        ExpectCreationDefaults(object, row);
+        EXPECT_TRUE(ImagePluginBatchDispose(row.name, object));
     }
 }
 

@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "lib/base/platform.h"
+#include "plugin/imgbasic/filter_table.h"
 #include "plugin/imgbasic/settings.h"
 
 #ifndef _WIN32
@@ -123,7 +124,7 @@ bool IsNumber(const char* /*filter*/, const char* /*name*/) {
 
 std::string Stored(const char* filter) {
     std::ostringstream numbers;
-    for (const StoredNumber& value : ListSettings(filter)) {
+    for (const StoredNumber& value : ListSettings(*FindFilter(filter))) {
         EXPECT_TRUE(IsNumber(filter, value.name)) << value.name;
         numbers << (numbers.tellp() > 0 ? " " : "") << value.name << '=' << value.number;
     }

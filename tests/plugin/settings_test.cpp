@@ -4,11 +4,8 @@
 
 #include <string>
 
-#include "plugin/imgbasic/col_reduce.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/nega.h"
-#include "plugin/imgbasic/scaling.h"
+#include "plugin/imgbasic/filter_table.h"
+#include "plugin/imgbasic/filters.h"
 #include "tests/plugin/private_store.h"
 
 #ifndef _WIN32
@@ -24,14 +21,14 @@ class Settings : public testing::Test {
     void SetUp() override { ClearPrivateStore(); }
 };
 
-/// What a new object saves after it has loaded what is stored.
 template <typename Process>
-std::string Loaded(const char* filter) {
-    Process process;
-    LoadSettings(process);
-    ClearPrivateStore();
-    SaveSettings(process);
-    return Stored(filter);
+void LoadSettings(Process& process) {
+    LoadSettings(process, kRow<Process>);
+}
+
+template <typename Process>
+void SaveSettings(const Process& process) {
+    SaveSettings(process, kRow<Process>);
 }
 
 struct RuleCase {
@@ -39,33 +36,38 @@ struct RuleCase {
     const char* loaded;  ///< null: the same
 };
 
-template <typename Process, size_t Count>
-void ExpectRules(const char* filter, const RuleCase (&cases)[Count]) {
+/// What a new object saves after it has loaded what is stored.
+void ExpectRules(const char* filter, std::initializer_list<RuleCase> cases) {
+    const FilterRow& row = *FindFilter(filter);
     for (const RuleCase& c : cases) {
         SCOPED_TRACE(testing::Message() << filter << " " << c.stored);
         ClearPrivateStore();
         if (*c.stored != '\0') {
             Store(filter, c.stored);
         }
-        EXPECT_EQ(Loaded<Process>(filter), c.loaded != nullptr ? c.loaded : c.stored);
+        const auto process = CreateFilter(row);
+        LoadSettings(*process, row);
+        ClearPrivateStore();
+        SaveSettings(*process, row);
+        EXPECT_EQ(Stored(filter), c.loaded != nullptr ? c.loaded : c.stored);
     }
 }
 
 TEST_F(Settings, LoadWhatIsGoodAndDefaultsForTheRest) {
-    ExpectRules<NegaImageProcess>("nega", {{"", "TargetType=0"},
-                                           {"TargetType=2", nullptr},
-                                           {"TargetType=3", "TargetType=0"},
-                                           {"TargetType=4294967295", "TargetType=0"}});
-    ExpectRules<GrayScaleImageProcess>(
-        "gray", {{"", "CalcMode=0 ColorMode=0 TargetType=0"},
+    ExpectRules("nega", {{"", "TargetType=0"},
+                         {"TargetType=2", nullptr},
+                         {"TargetType=3", "TargetType=0"},
+                         {"TargetType=4294967295", "TargetType=0"}});
+    ExpectRules("gray",
+                {{"", "CalcMode=0 ColorMode=0 TargetType=0"},
                  {"CalcMode=9 ColorMode=8 TargetType=1", nullptr},
                  {"CalcMode=10 ColorMode=9 TargetType=3", "CalcMode=0 ColorMode=0 TargetType=0"}});
-    ExpectRules<MonoImageProcess>("mono", {{"", "Threshold=128 TargetType=0"},
-                                           {"Threshold=1", "Threshold=1 TargetType=0"},
-                                           {"Threshold=255 TargetType=2", nullptr},
-                                           {"Threshold=0", "Threshold=128 TargetType=0"},
-                                           {"Threshold=256", "Threshold=128 TargetType=0"}});
-    ExpectRules<ReduceColorImageProcess>(
+    ExpectRules("mono", {{"", "Threshold=128 TargetType=0"},
+                         {"Threshold=1", "Threshold=1 TargetType=0"},
+                         {"Threshold=255 TargetType=2", nullptr},
+                         {"Threshold=0", "Threshold=128 TargetType=0"},
+                         {"Threshold=256", "Threshold=128 TargetType=0"}});
+    ExpectRules(
         "col_reduce",
         {{"", "ReduceColor=16 DitherType=3 TargetType=0 SharePalette=0 GraduateReduce=0"},
          {"ReduceColor=1 DitherType=0 TargetType=1 SharePalette=1 GraduateReduce=1", nullptr},
@@ -77,16 +79,15 @@ TEST_F(Settings, LoadWhatIsGoodAndDefaultsForTheRest) {
     constexpr char kDefaults[] =
         "RatioSize=0 RatioWidth=100 RatioHeight=100 FixRatio=1 InterType=2 BoundaryType=0 "
         "BoundAlpha=1 ChangeBrush=1";
-    ExpectRules<ScalingImageProcess>(
-        "scaling", {{"", kDefaults},
-                    {"RatioSize=1 RatioWidth=1 RatioHeight=819200 FixRatio=0 InterType=0 "
-                     "BoundaryType=2 BoundAlpha=0 ChangeBrush=0",
-                     nullptr},
-                    {"RatioSize=2 RatioWidth=0 RatioHeight=819201 FixRatio=2 InterType=3 "
-                     "BoundaryType=3 BoundAlpha=256 ChangeBrush=2",
-                     kDefaults},
-                    {"RatioWidth=4294967295", kDefaults}});
-    EXPECT_TRUE(ListSettings("chan_merge").empty());
+    ExpectRules("scaling", {{"", kDefaults},
+                            {"RatioSize=1 RatioWidth=1 RatioHeight=819200 FixRatio=0 InterType=0 "
+                             "BoundaryType=2 BoundAlpha=0 ChangeBrush=0",
+                             nullptr},
+                            {"RatioSize=2 RatioWidth=0 RatioHeight=819201 FixRatio=2 InterType=3 "
+                             "BoundaryType=3 BoundAlpha=256 ChangeBrush=2",
+                             kDefaults},
+                            {"RatioWidth=4294967295", kDefaults}});
+    EXPECT_TRUE(ListSettings(*FindFilter("chan_merge")).empty());
 }
 
 TEST_F(Settings, ApplyTheirRulesOnlyWhenAnythingIsStored) {

@@ -1,24 +1,18 @@
 #include "plugin/imgbasic/dialogs/common_image_dialog.h"
 
-#include <utility>
-
-#include "plugin/imgbasic/dialogs/item_list.h"
-#include "plugin/imgbasic/dialogs/resource.h"
-#include "plugin/imgbasic/nega.h"
+#include "plugin/imgbasic/dialogs/option_item.h"
 
 namespace imgbasic {
 
-CommonImageDialog::CommonImageDialog(NegaImageProcess& process)
-    : CommonImageDialog(process, OptionsOf(process)) {
-}
-
-CommonImageDialog::CommonImageDialog(ImageProcess& process, std::vector<DialogOption> options)
-    : process_(process), options_(std::move(options)) {
+CommonImageDialog::CommonImageDialog(ImageProcess& process, const FilterRow& filter)
+    : process_(process), filter_(filter), options_(process, filter) {
 }
 
 KVWin32DialogItemArray CommonImageDialog::Items() const {
     KVWin32DialogItemArray items;
-    items.push_back(MakeList(IDC_TARGET_TYPE, texts::kTargetTypes, process_.TargetType));
+    for (const FilterOption& option : filter_.options) {
+        items.push_back(MakeItem(option, option.get(process_)));
+    }
     return items;
 }
 
@@ -47,7 +41,7 @@ void CommonImageDialog::OnCommand(int id) {
         return;
     }
     const Press press = id == IDOK ? Press::Execute : Press::Preview;
-    switch (CarryOut(press, options_, ShownOptions(), process_.applyCallback)) {
+    switch (options_.CarryOut(press, ShownOptions())) {
         case DialogEnd::StaysOpen:
             break;
         case DialogEnd::Confirmed:
@@ -61,9 +55,9 @@ void CommonImageDialog::OnCommand(int id) {
 
 std::vector<int32_t> CommonImageDialog::ShownOptions() const {
     std::vector<int32_t> shown;
-    for (const DialogOption& option : options_) {
-        const KVWin32DialogItem* item = FindItem(option.control);
-        shown.push_back(item != nullptr ? item->Value() : option.absent);
+    for (const FilterOption& option : filter_.options) {
+        const KVWin32DialogItem* item = FindItem(option.controls.id);
+        shown.push_back(item != nullptr ? item->Value() : AbsentValue(option));
     }
     return shown;
 }

@@ -9,18 +9,16 @@
 
 namespace imgbasic {
 
-/// The options dialog of "nega", and what it has in common with every dialog with a preview: the
-/// buttons, the list of targets and the options, as the host last ran with them.
-class CommonImageDialog : public KVWin32DialogWindow {
+/// The options dialog of a filter with a preview: a control for each option of its row, and the
+/// buttons.
+class CommonImageDialog final : public KVWin32DialogWindow {
   public:
-    explicit CommonImageDialog(NegaImageProcess& process);
+    CommonImageDialog(ImageProcess& process, const FilterRow& filter);
 
     /// The items that show the object's options.
-    virtual KVWin32DialogItemArray Items() const;
+    KVWin32DialogItemArray Items() const;
 
   protected:
-    CommonImageDialog(ImageProcess& process, std::vector<DialogOption> options);
-
     bool PostCreate(KVWin32WindowCreateInfo* info) override;
     void OnBeforeDestroy() override;
     void OnCommand(int id) override;
@@ -29,7 +27,8 @@ class CommonImageDialog : public KVWin32DialogWindow {
     std::vector<int32_t> ShownOptions() const;
 
     ImageProcess& process_;
-    std::vector<DialogOption> options_;
+    const FilterRow& filter_;
+    PreviewedOptions options_;
     std::optional<DisabledWindow> owner_;
 };
 

@@ -1,18 +1,8 @@
 #include "lib/ui/wide_text.h"
-#include "plugin/imgbasic/col_reduce.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/dialogs/common_image_dialog.h"
-#include "plugin/imgbasic/dialogs/gray_scale_image_dialog.h"
-#include "plugin/imgbasic/dialogs/mono_image_dialog.h"
-#include "plugin/imgbasic/dialogs/reduce_color_image_dialog.h"
-#include "plugin/imgbasic/dialogs/resource.h"
 #include "plugin/imgbasic/dialogs/scaling_image_dialog.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/nega.h"
-#include "plugin/imgbasic/scaling.h"
 #include "plugin/imgbasic/settings.h"
-#include "plugin/imgbasic/texts.h"
 
 namespace imgbasic {
 namespace {
@@ -28,51 +18,40 @@ class Showing {
     Showing& operator=(const Showing&) = delete;
 };
 
-template <typename Dialog, typename Process>
-bool Show(Process& process, int templateId, const Text& caption) {
+/// Loads and saves around the modal run of a dialog that `make` makes of the loaded options.
+template <typename MakeDialog>
+bool Show(ImageProcess& process, const FilterRow& filter, MakeDialog&& make) {
     if (shownDialog != nullptr) {
         return false;
     }
-    LoadSettings(process);
-    Dialog dialog(process);
+    LoadSettings(process, filter);
+    auto dialog = make();
     KVWin32DialogWindowCreateInfo info;
     info.className = L"brelo2 plugin";
-    info.title = WideFromShiftJis(caption.shiftJis);
+    info.title = WideFromShiftJis(filter.displayName.shiftJis);
     info.style = WS_POPUP | WS_CAPTION | WS_SYSMENU;
     info.exStyle = WS_EX_DLGMODALFRAME;
     info.owner = process.ownerWindow;
-    info.templateId = templateId;
+    info.templateId = filter.dialog;
     info.items = dialog.Items();
     const Showing showing(dialog);
     if (!dialog.Create(&info) || dialog.RunModal() != IDOK) {
         return false;
     }
     if (process.applyCallback != nullptr) {
-        SaveSettings(process);
+        SaveSettings(process, filter);
     }
     return true;
 }
 
 }  // namespace
 
-bool RunOptionsDialog(NegaImageProcess& process) {
-    return Show<CommonImageDialog>(process, IDD_NEGA, texts::kNega);
-}
-
-bool RunOptionsDialog(GrayScaleImageProcess& process) {
-    return Show<GrayScaleImageDialog>(process, IDD_GRAY, texts::kGray);
-}
-
-bool RunOptionsDialog(MonoImageProcess& process) {
-    return Show<MonoImageDialog>(process, IDD_MONO, texts::kMono);
-}
-
-bool RunOptionsDialog(ReduceColorImageProcess& process) {
-    return Show<ReduceColorImageDialog>(process, IDD_REDUCE_COLOR, texts::kColReduce);
+bool RunOptionsDialog(ImageProcess& process, const FilterRow& filter) {
+    return Show(process, filter, [&] { return CommonImageDialog(process, filter); });
 }
 
 bool RunOptionsDialog(ScalingImageProcess& process) {
-    return Show<ScalingImageDialog>(process, IDD_SCALING, texts::kScaling);
+    return Show(process, kRow<ScalingImageProcess>, [&] { return ScalingImageDialog(process); });
 }
 
 }  // namespace imgbasic

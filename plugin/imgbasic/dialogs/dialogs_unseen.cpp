@@ -1,10 +1,5 @@
-#include "plugin/imgbasic/col_reduce.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/dialogs/dialog_rules.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/nega.h"
-#include "plugin/imgbasic/scaling.h"
 #include "plugin/imgbasic/settings.h"
 
 // Where there is no window system, a dialog is answered as by a user who opens it and executes.
@@ -12,47 +7,29 @@
 namespace imgbasic {
 namespace {
 
-void SettleSize(ImageProcess& /*process*/) {
-}
-
-void SettleSize(ScalingImageProcess& process) {
-    ScalingOptions(process).StoreIn(process);
-}
-
-template <typename Process>
-bool Execute(Process& process) {
-    LoadSettings(process);
-    SettleSize(process);
+bool Execute(const ImageProcess& process, const FilterRow& filter) {
     if (process.applyCallback == nullptr) {
         return true;
     }
     if (!process.applyCallback()) {
         return false;
     }
-    SaveSettings(process);
+    SaveSettings(process, filter);
     return true;
 }
 
 }  // namespace
 
-bool RunOptionsDialog(NegaImageProcess& process) {
-    return Execute(process);
-}
-
-bool RunOptionsDialog(GrayScaleImageProcess& process) {
-    return Execute(process);
-}
-
-bool RunOptionsDialog(MonoImageProcess& process) {
-    return Execute(process);
-}
-
-bool RunOptionsDialog(ReduceColorImageProcess& process) {
-    return Execute(process);
+bool RunOptionsDialog(ImageProcess& process, const FilterRow& filter) {
+    LoadSettings(process, filter);
+    return Execute(process, filter);
 }
 
 bool RunOptionsDialog(ScalingImageProcess& process) {
-    return Execute(process);
+    const FilterRow& filter = kRow<ScalingImageProcess>;
+    LoadSettings(process, filter);
+    ScalingOptions(process).StoreIn(process);
+    return Execute(process, filter);
 }
 
 }  // namespace imgbasic

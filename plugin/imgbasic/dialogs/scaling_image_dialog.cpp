@@ -1,11 +1,7 @@
 #include "plugin/imgbasic/dialogs/scaling_image_dialog.h"
 
 #include "lib/ui/kv_win32_dialog_item_auto_radio_button.h"
-#include "lib/ui/kv_win32_dialog_item_check_box.h"
-#include "lib/ui/kv_win32_dialog_item_spin.h"
-#include "plugin/imgbasic/dialogs/item_list.h"
-#include "plugin/imgbasic/dialogs/resource.h"
-#include "plugin/imgbasic/scaling.h"
+#include "plugin/imgbasic/dialogs/option_item.h"
 
 namespace imgbasic {
 
@@ -14,28 +10,24 @@ ScalingImageDialog::ScalingImageDialog(ScalingImageProcess& process)
 }
 
 KVWin32DialogItemArray ScalingImageDialog::Items() const {
-    const ValueRange sides{1, ScalingImageProcess::kMaxSize};
     KVWin32DialogItemArray items;
-    const auto addSpin = [&](int id, int32_t initial, const ValueRange& range, int editId) {
-        items.push_back(
-            std::make_unique<KVWin32DialogItemSpin>(id, initial, range.low, range.high, editId));
-    };
-    const auto addBox = [&](int id, bool initial) {
-        items.push_back(std::make_unique<KVWin32DialogItemCheckBox>(id, initial));
-    };
-    items.push_back(std::make_unique<KVWin32DialogItemAutoRadioButton>(IDC_BY_PIXELS, IDC_BY_RATIO,
-                                                                       options_.ratioMode));
-    addSpin(IDC_WIDTH_SPIN, options_.pixelWidth, sides, IDC_WIDTH_EDIT);
-    addSpin(IDC_HEIGHT_SPIN, options_.pixelHeight, sides, IDC_HEIGHT_EDIT);
-    addSpin(IDC_RATIO_WIDTH_SPIN, options_.ratioWidth, RatioRange(options_.sourceWidth),
-            IDC_RATIO_WIDTH_EDIT);
-    addSpin(IDC_RATIO_HEIGHT_SPIN, options_.ratioHeight, RatioRange(options_.sourceHeight),
-            IDC_RATIO_HEIGHT_EDIT);
-    addBox(IDC_FIX_RATIO, options_.fixRatio);
-    items.push_back(MakeList(IDC_INTER_TYPE, texts::kInterTypes, options_.interType));
-    items.push_back(MakeList(IDC_BOUNDARY_TYPE, texts::kBoundaryTypes, options_.boundaryType));
-    addBox(IDC_BOUND_ALPHA, options_.boundAlpha);
-    addBox(IDC_CHANGE_BRUSH, options_.changeBrush);
+    for (FilterOption option : kScalingOptions) {
+        const int32_t value = option.get(options_.edited);
+        const int id = option.controls.id;
+        if (id == IDC_BY_PIXELS) {
+            items.push_back(
+                std::make_unique<KVWin32DialogItemAutoRadioButton>(id, IDC_BY_RATIO, value));
+            continue;
+        }
+        const bool isWidth = id == IDC_RATIO_WIDTH_SPIN;
+        if (isWidth || id == IDC_RATIO_HEIGHT_SPIN) {
+            const ValueRange range =
+                RatioRange(isWidth ? options_.sourceWidth : options_.sourceHeight);
+            option.least = range.low;
+            option.most = range.high;
+        }
+        items.push_back(MakeItem(option, value));
+    }
     return items;
 }
 
@@ -71,18 +63,18 @@ void ScalingImageDialog::OnItemChange(int id, int flag, int32_t value) {
     const ScalingOptions& o = options_;
     switch (id) {
         case IDC_BY_PIXELS:
-            options_.ratioMode = value != 0;
+            options_.edited.RatioSize = value != 0;
             EnableControls();
             break;
         case IDC_FIX_RATIO:
-            options_.fixRatio = value != 0;
+            options_.edited.FixRatio = value != 0;
             break;
         case IDC_INTER_TYPE:
-            options_.interType = value;
+            options_.edited.InterType = value;
             EnableControls();
             break;
         case IDC_BOUNDARY_TYPE:
-            options_.boundaryType = value;
+            options_.edited.BoundaryType = value;
             EnableControls();
             break;
         case IDC_WIDTH_SPIN:
@@ -92,10 +84,10 @@ void ScalingImageDialog::OnItemChange(int id, int flag, int32_t value) {
             UpdatePartner(IDC_WIDTH_SPIN, value, o.sourceHeight, o.sourceWidth);
             break;
         case IDC_RATIO_WIDTH_SPIN:
-            UpdatePartner(IDC_RATIO_HEIGHT_SPIN, value, o.ratioWidth, o.ratioHeight);
+            UpdatePartner(IDC_RATIO_HEIGHT_SPIN, value, o.edited.RatioWidth, o.edited.RatioHeight);
             break;
         case IDC_RATIO_HEIGHT_SPIN:
-            UpdatePartner(IDC_RATIO_WIDTH_SPIN, value, o.ratioHeight, o.ratioWidth);
+            UpdatePartner(IDC_RATIO_WIDTH_SPIN, value, o.edited.RatioHeight, o.edited.RatioWidth);
             break;
         default:
             break;
@@ -103,22 +95,12 @@ void ScalingImageDialog::OnItemChange(int id, int flag, int32_t value) {
 }
 
 void ScalingImageDialog::ReadControls() {
-    // Without its control an option stays as it is.
-    const auto read = [&]<typename Value>(int id, Value& value) {
-        if (const KVWin32DialogItem* item = FindItem(id)) {
-            value = static_cast<Value>(item->Value());
+    for (const FilterOption& option : kScalingOptions) {
+        // Without its control an option stays as it is.
+        if (const KVWin32DialogItem* item = FindItem(option.controls.id)) {
+            option.set(options_.edited, item->Value());
         }
-    };
-    read(IDC_BY_PIXELS, options_.ratioMode);
-    read(IDC_WIDTH_SPIN, options_.pixelWidth);
-    read(IDC_HEIGHT_SPIN, options_.pixelHeight);
-    read(IDC_RATIO_WIDTH_SPIN, options_.ratioWidth);
-    read(IDC_RATIO_HEIGHT_SPIN, options_.ratioHeight);
-    read(IDC_FIX_RATIO, options_.fixRatio);
-    read(IDC_INTER_TYPE, options_.interType);
-    read(IDC_BOUNDARY_TYPE, options_.boundaryType);
-    read(IDC_BOUND_ALPHA, options_.boundAlpha);
-    read(IDC_CHANGE_BRUSH, options_.changeBrush);
+    }
 }
 
 void ScalingImageDialog::EnableControls() {
@@ -138,7 +120,7 @@ void ScalingImageDialog::EnableControls() {
 void ScalingImageDialog::UpdatePartner(int partner, int32_t value, int32_t ownReference,
                                        int32_t partnerReference) {
     KVWin32DialogItem* item = FindItem(partner);
-    if (!options_.fixRatio || item == nullptr) {
+    if (!options_.edited.FixRatio || item == nullptr) {
         return;
     }
     // Or the two would chase each other.
