@@ -1,0 +1,107 @@
+#include "host/filter_words.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "host/options.h"
+#include "plugin/imgbasic/filters.h"
+
+namespace imgbasic::host {
+namespace {
+
+std::string Code(std::string_view text) {
+    return text.empty() ? std::string() : std::string("`").append(text).append("`");
+}
+
+std::string Line(std::initializer_list<std::string> cells) {
+    std::string line = "|";
+    for (const std::string& cell : cells) {
+        line.append(" ").append(cell).append(" |");
+    }
+    return line.append("\n");
+}
+
+std::string ValuesText(const FilterOption& option, const OptionWords& words) {
+    if (option.kind == OptionKind::Number) {
+        return RangeText(option);
+    }
+    if (option.kind == OptionKind::Switch) {
+        return "0 off, 1 on";
+    }
+    std::string text;
+    for (size_t value = 0; value < words.choices.size(); ++value) {
+        text.append(value == 0 ? "" : ", ").append(std::to_string(value)).append(" ");
+        text += Code(words.choices[value].word);
+    }
+    return text;
+}
+
+std::string DefaultText(const FilterOption& option, const OptionWords& words) {
+    if (!option.Allows(option.initial)) {
+        return "none";
+    }
+    return option.kind == OptionKind::Choice
+               ? Code(words.choices[static_cast<size_t>(option.initial)].word)
+               : std::to_string(option.initial);
+}
+
+std::string BatchText(BatchUse batch) {
+    return batch == BatchUse::None ? "no" : batch == BatchUse::Dialog ? "by dialog" : "at once";
+}
+
+std::string FilterTable() {
+    std::string table =
+        Line({"filter", "name", "what it does", "changes the size", "batch use", "phases"}) +
+        Line({"---", "---", "---", "---", "---", "---"});
+    for (const FilterRow& row : kFilterRows) {
+        table += Line({Code(row.name), row.displayName.utf8, std::string(WordsOf(row.name).summary),
+                       row.changesSize ? "yes" : "no", BatchText(row.batch),
+                       std::to_string(row.phases)});
+    }
+    return table;
+}
+
+std::string OptionTable() {
+    std::string table = Line({"filter", "option", "flag", "values", "default"}) +
+                        Line({"---", "---", "---", "---", "---"});
+    for (const FilterRow& row : kFilterRows) {
+        const OptionWords* words = WordsOf(row.name).options.data();
+        for (const FilterOption& option : row.options) {
+            table +=
+                Line({Code(row.name), Code(option.name) + (option.isStored ? "" : ", not stored"),
+                      Code(FlagOf(option, *words)), ValuesText(option, *words),
+                      DefaultText(option, *words)});
+            ++words;
+        }
+    }
+    return table;
+}
+
+TEST(Filters, HaveWordsForEveryOptionAndValueInTheirOrder) {
+    ASSERT_EQ(AllFilterWords().size(), kFilterRows.size());
+    for (size_t filter = 0; filter < kFilterRows.size(); ++filter) {
+        const FilterRow& row = kFilterRows[filter];
+        const FilterWords& words = AllFilterWords()[filter];
+        ASSERT_EQ(words.filter, row.name);
+        ASSERT_EQ(words.options.size(), row.options.size()) << row.name;
+        for (size_t option = 0; option < row.options.size(); ++option) {
+            ASSERT_EQ(words.options[option].option, row.options[option].name);
+            ASSERT_EQ(words.options[option].choices.size(), row.options[option].choices.size());
+        }
+    }
+}
+
+TEST(Filters, AreOnTheirPageAsTheyAre) {
+    std::ifstream file(IMGBASIC_FILTERS_PAGE);
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    for (const std::string& table : {FilterTable(), OptionTable()}) {
+        EXPECT_NE(page.find("\n\n" + table + "\n"), std::string::npos)
+            << IMGBASIC_FILTERS_PAGE << " should have this table:\n"
+            << table;
+    }
+}
+
+}  // namespace
+}  // namespace imgbasic::host
