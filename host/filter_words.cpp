@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "plugin/imgbasic/filters.h"
+
 namespace imgbasic::host {
 namespace {
 
@@ -92,6 +94,7 @@ constexpr OptionWords kScaling[] = {
      "Report no factor for the sizes of brushes (to hosts that have some)"},
 };
 
+/// In the order of kFilterRows.
 constexpr FilterWords kFilters[] = {
     {"gray", "Make shades of grey, or of one colour",
      "gray photo.jpg -o grey.png --method ntsc --tint draw --draw-color 336699", kGray},
@@ -108,11 +111,18 @@ constexpr FilterWords kFilters[] = {
      "scaling photo.jpg -o small.jpg --fit 1024x768 --interp average", kScaling},
 };
 
-}  // namespace
-
-std::span<const FilterWords> AllFilterWords() {
-    return kFilters;
+/// Words for every filter, option and choice, in the order of the module's.
+consteval bool FitTheRows() {
+    return std::ranges::equal(kFilters, kFilterRows, [](const auto& words, const auto& row) {
+        return words.filter == row.name &&
+               std::ranges::equal(words.options, row.options, [](const auto& a, const auto& b) {
+                   return a.option == b.name && a.choices.size() == b.choices.size();
+               });
+    });
 }
+static_assert(FitTheRows());
+
+}  // namespace
 
 std::string FlagOf(const FilterOption& option, const OptionWords& words) {
     if (words.flag.empty()) {

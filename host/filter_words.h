@@ -32,9 +32,6 @@ struct FilterWords {
     std::span<const OptionWords> options{};  ///< in the order of the filter's row
 };
 
-/// In the order of kFilterRows.
-std::span<const FilterWords> AllFilterWords();
-
 /// The flag of an option on the command line: "--dither", "--no-bound-alpha"; empty for none.
 std::string FlagOf(const FilterOption& option, const OptionWords& words);
 

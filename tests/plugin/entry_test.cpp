@@ -5,7 +5,9 @@
 #include <cctype>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "plugin/imgbasic/filter_table.h"
 #include "plugin/imgbasic/filters.h"
 #include "tests/plugin/private_store.h"
 
@@ -54,17 +56,24 @@ TEST(Entry, KnowsNoOtherName) {
     }
 }
 
-TEST(Entry, LeavesAnObjectAloneUnderAnUnknownName) {
-    ImageProcess* object = Prepare("scaling");
+/// What the exports answer that forward to an object, but for those that end it.
+std::vector<int> Answers(const char* name, ImageProcess* object) {
     double x = 3;
     double y = 4;
-    EXPECT_EQ(ImagePluginDialog("?", object, Agree), 0);
+    ImagePluginAdjustScale(name, object, 0, 0, &x, &y);
+    return {ImagePluginDialog(name, object, Agree),
+            ImagePluginPhase2(name, object, 0, nullptr, nullptr, nullptr, 0, 0, nullptr),
+            ImagePluginExecute4(name, object, 0, 0, -1, 0, nullptr, nullptr, nullptr, nullptr,
+                                false, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+            ImagePluginAdjustLocate2(name, object, 0, 0, 0, &x, &y), x == 3 && y == 4};
+}
+
+const std::vector<int> kNothing{0, 0, 0, 0, true};
+
+TEST(Entry, LeavesAnObjectAloneUnderAnUnknownName) {
+    ImageProcess* object = Prepare("scaling");
+    EXPECT_EQ(Answers("?", object), kNothing);
     EXPECT_EQ(object->applyCallback, nullptr);
-    EXPECT_EQ(ImagePluginPhase2("?", object, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
-    ImagePluginAdjustScale("?", object, 0, 0, &x, &y);
-    EXPECT_FALSE(ImagePluginAdjustLocate2("?", object, 0, 0, 0, &x, &y));
-    EXPECT_EQ(x, 3);
-    EXPECT_EQ(y, 4);
     EXPECT_FALSE(ImagePluginDispose("?", object));
     EXPECT_FALSE(ImagePluginBatchDispose("?", object));
     EXPECT_TRUE(ImagePluginDispose("scaling", object));
@@ -72,25 +81,17 @@ TEST(Entry, LeavesAnObjectAloneUnderAnUnknownName) {
 
 TEST(Entry, AnswersForANullObject) {
     for (const FilterRow& row : kFilterRows) {
-        const char* name = row.name;
-        EXPECT_EQ(ImagePluginDialog(name, nullptr, Agree), 0);
-        EXPECT_EQ(ImagePluginPhase2(name, nullptr, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
-        EXPECT_FALSE(ImagePluginExecute4(name, nullptr, 0, 0, -1, 0, nullptr, nullptr, nullptr,
-                                         nullptr, false, nullptr, nullptr, nullptr, nullptr,
-                                         nullptr, nullptr));
-        ImagePluginAdjustScale(name, nullptr, 0, 0, nullptr, nullptr);
-        EXPECT_FALSE(ImagePluginAdjustLocate2(name, nullptr, 0, 0, 0, nullptr, nullptr));
-        EXPECT_FALSE(ImagePluginDispose(name, nullptr));
-        EXPECT_TRUE(ImagePluginBatchDispose(name, nullptr));
+        EXPECT_EQ(Answers(row.name, nullptr), kNothing);
+        EXPECT_FALSE(ImagePluginDispose(row.name, nullptr));
+        EXPECT_TRUE(ImagePluginBatchDispose(row.name, nullptr));
     }
 }
 
 void ExpectCreationDefaults(const ImageProcess* object, const FilterRow& row) {
     EXPECT_EQ(object->applyCallback, nullptr);
-    EXPECT_EQ(object->TargetType, 0);
     EXPECT_EQ(object->mergedImage, nullptr);
     for (const FilterOption& option : row.options) {
-        if (option.isStored || row.batch != BatchUse::Dialog) {
+        if (option.isStored) {
             EXPECT_EQ(option.get(*object), option.initial) << option.name;
         }
     }
@@ -139,32 +140,34 @@ TEST(Entry, CreatesBatchObjectsWithoutAnImage) {
 }
 
 TEST(Entry, RepeatsAFilterWithTheOptionsOfItsReference) {
-    auto* monoReference = static_cast<MonoImageProcess*>(Prepare("mono"));
-    monoReference->Threshold = 200;
-    monoReference->TargetType = CurrentLayer;
-    auto* mono = static_cast<MonoImageProcess*>(Prepare("mono", monoReference));
-    EXPECT_EQ(ImagePluginDialog("mono", mono, Refuse), 0) << "refused, not cancelled";
-    EXPECT_EQ(mono->Threshold, 200);
-    EXPECT_EQ(mono->TargetType, MergedImage) << "the target is the object's own";
-    EXPECT_EQ(ImagePluginDialog("mono", mono, Agree), 1);
-    ImagePluginDispose("mono", mono);
-
-    auto* grayReference = static_cast<GrayScaleImageProcess*>(Prepare("gray"));
-    grayReference->CalcMode = 4;
-    auto* gray = static_cast<GrayScaleImageProcess*>(Prepare("gray", grayReference));
-    EXPECT_EQ(ImagePluginDialog("gray", gray, Agree), 1);
-    EXPECT_EQ(gray->CalcMode, 0) << "gray takes nothing over";
-    ImagePluginDispose("gray", gray);
-    ImagePluginDispose("gray", grayReference);
-
-    ImageProcess* wrongClass =
-        ImagePluginPrepare2("mono", 1, 1, 0, 0, -1, 0, 0, 0, nullptr, 0, Prepare("nega"));
-    ImageProcess* nega = wrongClass->reference;
-    EXPECT_EQ(ImagePluginDialog("mono", wrongClass, Agree), 1);
-    EXPECT_EQ(static_cast<MonoImageProcess*>(wrongClass)->Threshold, 128);
-    ImagePluginDispose("mono", wrongClass);
-    ImagePluginDispose("nega", nega);
-    ImagePluginDispose("mono", monoReference);
+    const auto values = [](const ImageProcess* object, const FilterRow& row) {
+        std::string text;
+        for (const FilterOption& option : row.options) {
+            text += std::to_string(option.get(*object)) + " ";
+        }
+        return text;
+    };
+    const struct {
+        const char* filter;
+        const char* referenced;
+        const char* repeated;  ///< the target is the object's own
+    } cases[] = {{"gray", "gray", "0 0 0 "},
+                 {"mono", "mono", "255 0 "},
+                 {"mono", "nega", "128 0 "},
+                 {"nega", "nega", "0 "},
+                 {"col_reduce", "col_reduce", "256 0 0 1 1 "}};
+    for (const auto& c : cases) {
+        ImageProcess* reference = Prepare(c.referenced);
+        for (const FilterOption& option : FindFilter(c.referenced)->options) {
+            option.set(*reference, option.initial != option.most ? option.most : option.least);
+        }
+        ImageProcess* object = Prepare(c.filter, reference);
+        EXPECT_EQ(ImagePluginDialog(c.filter, object, Refuse), 0) << "refused, not cancelled";
+        EXPECT_EQ(ImagePluginDialog(c.filter, object, Agree), 1);
+        EXPECT_EQ(values(object, *FindFilter(c.filter)), c.repeated) << c.filter;
+        ImagePluginDispose(c.filter, object);
+        ImagePluginDispose(c.referenced, reference);
+    }
 }
 
 class ThrowingProcess final : public ImageProcess {
@@ -183,13 +186,7 @@ class ThrowingProcess final : public ImageProcess {
 
 TEST(Entry, LetsNoExceptionReachTheHost) {
     ThrowingProcess process;
-    EXPECT_EQ(ImagePluginDialog("nega", &process, Agree), 0);
-    EXPECT_EQ(ImagePluginPhase2("nega", &process, 0, nullptr, nullptr, nullptr, 0, 0, nullptr), 0);
-    EXPECT_FALSE(ImagePluginExecute4("nega", &process, 0, 0, -1, 0, nullptr, nullptr, nullptr,
-                                     nullptr, false, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                     nullptr));
-    ImagePluginAdjustScale("nega", &process, 0, 0, nullptr, nullptr);
-    EXPECT_FALSE(ImagePluginAdjustLocate2("nega", &process, 0, 0, 0, nullptr, nullptr));
+    EXPECT_EQ(Answers("nega", &process), kNothing);
     EXPECT_FALSE(ImagePluginDispose("nega", new ThrowingProcess));
     EXPECT_TRUE(ImagePluginBatchDispose("nega", new ThrowingProcess));
 }
