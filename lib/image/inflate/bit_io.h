@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <span>
@@ -21,19 +22,29 @@ constexpr uint64_t LowBits(uint64_t bits, unsigned count) {
     return bits & ((uint64_t{1} << count) - 1);
 }
 
-/// The compressed bytes as a stream of bits, lowest bit of a byte first:
-///
-///      bits   | 0 ... 0 | b b b b b b b b |      bytes   ... already taken | next ... end
-///                        <---- count ----> the next bit of the stream is the lowest
-///
-/// What lies above `count` is zero: that is what lets Need add a byte by OR, and lets a table be
-/// indexed with more bits than there are (see NextEntry).
-struct BitReader {
-    /// Bits that Need can provide: it adds whole bytes while fewer than that are there, so that
-    /// the last one still has room below bit 64.
-    static constexpr unsigned kMostNeeded = 56;
-    static_assert(kMostNeeded - 1 + 8 < 64, "LowBits and shifts by `count` take 63 at most");
+/// The bits that FillBits leaves at least: whole bytes fill the buffer up to its last 8 bits.
+constexpr unsigned kFilledBits = 56;
 
+/// Fills a buffer that holds `count` bits, 63 at most, from the 8 bytes at `next`, without a branch
+/// (after Giesen). Returns where to go on; there are count | kFilledBits bits then.
+///
+///      bits    | ? ? ? ? ? ? | b b b b b b b b b b b b |      '?' zeros, or bits of `next`
+///                             <------- count --------->       the next bit is the lowest
+///      word    | the 8 bytes at `next`, shifted left by `count`, cut off at bit 64 |
+///
+/// OR fills the buffer to its top. Of the word's bytes (63 - count) / 8 are in it as a whole, which
+/// is 7 - count / 8: so far `next` moves, and that many bytes make the count 56 + count % 8. The
+/// bits above it belong to the byte at `next`; they will be put there again, and until then they
+/// do no harm.
+inline const uint8_t* FillBits(uint64_t& bits, unsigned count, const uint8_t* next) {
+    bits |= LoadWord(next) << count;
+    return next + 7 - count / 8;
+}
+static_assert((63 | kFilledBits) == 63 && (kFilledBits & 7) == 0, "count | kFilledBits is a sum");
+
+/// The compressed bytes as a stream of bits, lowest bit of a byte first. `bits` holds `count` bits
+/// that were taken from before `next`, and above them zeros or what follows them (see FillBits).
+struct BitReader {
     uint64_t bits = 0;
     unsigned count = 0;
     const uint8_t* next;
@@ -42,9 +53,13 @@ struct BitReader {
     explicit BitReader(std::span<const uint8_t> bytes)
         : next(bytes.data()), end(bytes.data() + bytes.size()) {}
 
-    /// True when `wanted` bits, kMostNeeded at most, are in `bits` now; false at the end of the
+    /// True when `wanted` bits, kFilledBits at most, are in `bits` now; false at the end of the
     /// input.
     bool Need(unsigned wanted) {
+        if (count < wanted && end - next >= ptrdiff_t{sizeof(uint64_t)}) {
+            next = FillBits(bits, count, next);
+            count |= kFilledBits;
+        }
         while (count < wanted) {
             if (next == end) {
                 return false;

@@ -14,10 +14,13 @@ namespace {
 constexpr size_t kMaxLiteralCodes = 286;
 constexpr size_t kMaxDistanceCodes = 30;
 constexpr unsigned kHeaderBits = 5 + 5 + 4;
-static_assert(kHeaderBits <= BitReader::kMostNeeded);
+static_assert(kHeaderBits <= kFilledBits);
 static_assert(kMaxLiteralCodes <= kLiteralSymbols && kMaxDistanceCodes <= kDistanceSymbols);
 static_assert(kEndOfBlockSymbol < 257, "there is always a length for it");
 static_assert(4 + LowBits(~0U, 4) == kCodeLengthSymbols, "no count is too large for them");
+
+// In the fixed codes the end of the block has the first of the shortest codes: all zeros.
+constexpr unsigned kFixedEndBits = 7;
 
 // From this code length symbol on, they repeat one.
 constexpr uint32_t kRepeatPrevious = 16;
@@ -37,11 +40,11 @@ constexpr std::array<uint8_t, kCodeLengthSymbols> kCodeLengthOrder{
 // ends before. Afterwards a subtable pointer's bits are taken, the symbol's are not.
 //
 // How many bits a symbol needs is known only from its entry. So the lookup is tried with the bits
-// that are there, and repeated with a byte more while they are fewer than what it finds needs.
-// The bits that are missing read as zeros and may find any symbol; but an entry that needs no more
-// bits than are there depends on these alone, and is the stream's. Every entry needs at least one
-// bit, so that an empty reader reads on.
-static_assert(kMaxCodeBits + kMaxDistanceExtraBits <= BitReader::kMostNeeded);
+// that are there, and repeated with more of them while they are fewer than what it finds needs.
+// Behind them may be anything, and it may find any symbol; but an entry that needs no more bits
+// than are there depends on these alone, and is the stream's. Every entry needs at least one bit,
+// so that an empty reader reads on.
+static_assert(kMaxCodeBits + kMaxDistanceExtraBits <= kFilledBits);
 bool NextEntry(BitReader& reader, const HuffmanTable& table, uint32_t& entry) {
     for (;;) {
         unsigned pointerBits = 0;
@@ -101,6 +104,11 @@ void InflateDecoder::ReadBlockHeader() {
         case 0:
             return ReadStoredHeader();
         case 1:
+            // Empty blocks, which encoders write in order to flush, do not go through the loops.
+            if (reader_.Need(kFixedEndBits) && LowBits(reader_.bits, kFixedEndBits) == 0) {
+                reader_.Take(kFixedEndBits);
+                return;
+            }
             codes_ = {FixedLiteralTable(), FixedDistanceTable()};
             stage_ = Stage::Compressed;
             return;
@@ -113,12 +121,12 @@ void InflateDecoder::ReadBlockHeader() {
 
 void InflateDecoder::ReadStoredHeader() {
     reader_.AlignToByte();
-    // Into an empty reader Need reads whole bytes, no more than it is asked for.
     if (!reader_.Need(32)) {
         return Fail(InflateFault::InputEnd);
     }
     const uint32_t length = reader_.Take(16);
     const uint32_t complement = reader_.Take(16);
+    reader_.AlignToByte();
     if (length != (complement ^ 0xFFFF)) {
         return Fail(InflateFault::StoredLength, length, complement);
     }
@@ -126,7 +134,7 @@ void InflateDecoder::ReadStoredHeader() {
     stage_ = Stage::Stored;
 }
 
-// AlignToByte has left the reader without bits: the block's bytes begin at `next`.
+// The reader was left without bits: the block's bytes begin at `next`.
 void InflateDecoder::CopyStored(InflateOutput& output) {
     const size_t count =
         std::min({size_t{storedLeft_}, static_cast<size_t>(reader_.end - reader_.next),
@@ -215,18 +223,19 @@ bool InflateDecoder::ReadCodeLengths(const HuffmanTable& table, std::span<uint8_
 void InflateDecoder::DecodeCompressed(InflateOutput& output) {
     // First what the output had no room for the last time.
     CopyMatch(output);
-    SymbolRun run = DecodeFast(reader_, output, codes_);
-    if (run.outcome == SymbolRun::NearAnEnd) {
-        run = DecodeCarefully(output);
+    BadSymbol bad;
+    SymbolRun run = DecodeFast(reader_, output, codes_, bad);
+    if (run == SymbolRun::NearAnEnd) {
+        run = DecodeCarefully(output, bad);
     }
-    switch (run.outcome) {
+    switch (run) {
         case SymbolRun::EndOfBlock:
             stage_ = Stage::BlockHeader;
             break;
         case SymbolRun::BadLiteral:
-            return Fail(InflateFault::BadLiteral, EntryValue(run.entry), run.entry);
+            return Fail(InflateFault::BadLiteral, EntryValue(bad.entry), bad.entry);
         case SymbolRun::BadDistance:
-            return Fail(InflateFault::BadDistance, run.distance, run.entry);
+            return Fail(InflateFault::BadDistance, bad.distance, bad.entry);
         case SymbolRun::InputEnd:
             return Fail(InflateFault::InputEnd);
         default:
@@ -236,18 +245,19 @@ void InflateDecoder::DecodeCompressed(InflateOutput& output) {
 
 // One symbol after the other, with every bit and every byte checked. A match stays in the members
 // until it is copied: when the output is full before that, the next call goes on with it.
-SymbolRun InflateDecoder::DecodeCarefully(InflateOutput& output) {
+SymbolRun InflateDecoder::DecodeCarefully(InflateOutput& output, BadSymbol& bad) {
     while (output.next != output.end) {
         uint32_t entry;
         if (!NextEntry(reader_, codes_.literals, entry)) {
-            return {SymbolRun::InputEnd};
+            return SymbolRun::InputEnd;
         }
         if ((entry & kEntryExceptional) != 0) {
             if ((entry & kEntryEndOfBlock) == 0) {
-                return {SymbolRun::BadLiteral, entry};
+                bad = {entry};
+                return SymbolRun::BadLiteral;
             }
             reader_.Take(EntryBits(entry));
-            return {SymbolRun::EndOfBlock};
+            return SymbolRun::EndOfBlock;
         }
         const uint32_t value = TakeValue(reader_, entry);
         if ((entry & kEntryLiteral) != 0) {
@@ -255,19 +265,21 @@ SymbolRun InflateDecoder::DecodeCarefully(InflateOutput& output) {
             continue;
         }
         if (!NextEntry(reader_, codes_.distances, entry)) {
-            return {SymbolRun::InputEnd};
+            return SymbolRun::InputEnd;
         }
         if ((entry & kEntryExceptional) != 0) {
-            return {SymbolRun::BadDistance, entry};
+            bad = {entry};
+            return SymbolRun::BadDistance;
         }
         matchLeft_ = value;
         matchDistance_ = TakeValue(reader_, entry);
         if (matchDistance_ > static_cast<size_t>(output.next - output.begin)) {
-            return {SymbolRun::BadDistance, entry, matchDistance_};
+            bad = {entry, matchDistance_};
+            return SymbolRun::BadDistance;
         }
         CopyMatch(output);
     }
-    return {SymbolRun::OutputFull};
+    return SymbolRun::OutputFull;
 }
 
 // Byte by byte, since a match may overlap what it copies: a distance of 1 repeats one byte.

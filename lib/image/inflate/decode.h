@@ -68,7 +68,7 @@ class InflateDecoder {
     bool ReadCodeLengths(const HuffmanTable& table, std::span<uint8_t> lengths);
     void CopyStored(InflateOutput& output);
     void DecodeCompressed(InflateOutput& output);
-    SymbolRun DecodeCarefully(InflateOutput& output);
+    SymbolRun DecodeCarefully(InflateOutput& output, BadSymbol& bad);
     void CopyMatch(InflateOutput& output);
 
     BitReader reader_;

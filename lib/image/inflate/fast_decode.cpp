@@ -9,16 +9,15 @@ namespace {
 // The loop of DecodeFast rests on three budgets, which are checked here once instead of at every
 // step: bits in the buffer, bytes of input to refill from, and bytes of output to write to.
 
-// Bits. A refill leaves at least this many, since it adds whole bytes to a 64-bit buffer.
-constexpr unsigned kRefilledBits = 56;
+// Bits. A refill leaves kFilledBits at least.
 constexpr unsigned kMaxDistanceBits = kMaxCodeBits + kMaxDistanceExtraBits;
-static_assert(kMaxDistanceBits <= kRefilledBits, "a distance makes sure of its own bits");
+static_assert(kMaxDistanceBits <= kFilledBits, "a distance makes sure of its own bits");
 
 // An iteration may begin one literal after the refill (its next entry was looked up without
 // another) and takes up to two literals more before it comes to a length. Codes that are literals
 // in the first table have no more bits than index it. Only the length, which the last of these
 // lookups found, may go through a subtable and have extra bits.
-static_assert(3 * kLiteralTableBits + kMaxCodeBits + kMaxLengthExtraBits <= kRefilledBits);
+static_assert(3 * kLiteralTableBits + kMaxCodeBits + kMaxLengthExtraBits <= kFilledBits);
 
 // Input. A refill reads 8 bytes and moves on by 7 at most. Up to the next check there are three:
 // the one before the loop or none, one for a distance, and one for the next symbol.
@@ -108,17 +107,6 @@ inline void CopyMatch(uint8_t* to, size_t distance, size_t length) {
 // The reader's state in registers. Only the low byte of `count` means anything, so that a whole
 // entry, whose low byte says how many bits it consumes, can be taken off it; being enough bits, it
 // never borrows.
-//
-// Refilling has no branch (after Giesen's variant of it):
-//
-//      bits    | ? ? ? ? ? ? | b b b b b b b b b b b b |      '?' zeros, or bits of `next`
-//                             <------- count --------->
-//      word    | the 8 bytes at `next`, shifted left by `count`, cut off at bit 64 |
-//
-// OR fills the buffer to its top. Of the word's bytes (63 - count) / 8 are in it as a whole, which
-// is 7 - count / 8: so far `next` moves, and that many bytes make the count 56 + count % 8, which
-// is count | 56, since it was less than 64. The bits above it belong to the byte at `next`; the
-// next refill puts the same bits there again, and until then they do no harm.
 struct FastBits {
     uint64_t bits;
     uint32_t count;
@@ -127,9 +115,8 @@ struct FastBits {
     unsigned Count() const { return static_cast<uint8_t>(count); }
 
     void Refill() {
-        bits |= LoadWord(next) << (count & 63);
-        next += 7 - ((count >> 3) & 7);
-        count |= kRefilledBits;
+        next = FillBits(bits, count & 63, next);
+        count |= kFilledBits;
     }
 
     void Consume(uint32_t entry) {
@@ -144,7 +131,6 @@ struct FastBits {
         return EntryValue(entry) + static_cast<uint32_t>(own);
     }
 };
-static_assert(kRefilledBits == (63 & ~7U), "what `count | kRefilledBits` relies on");
 static_assert(kMaxDistanceBits < 256, "the low byte of an entry is all that Consume takes off");
 
 }  // namespace
@@ -158,12 +144,13 @@ static_assert(kMaxDistanceBits < 256, "the low byte of an entry is all that Cons
 //      literal, literal, long code -> literal (refill first) ------------------> check, again
 //                                  -> end of the block or bits not valid ------> done
 //      literal, literal, length, (refill,) distance, refill, copy -------------> check, again
-SymbolRun DecodeFast(BitReader& reader, InflateOutput& output, const BlockCodes& codes) {
+SymbolRun DecodeFast(BitReader& reader, InflateOutput& output, const BlockCodes& codes,
+                     BadSymbol& bad) {
     FastBits in{reader.bits, reader.count, reader.next};
     uint8_t* out = output.next;
     const HuffmanTable literals = codes.literals;
     const HuffmanTable distances = codes.distances;
-    SymbolRun run{SymbolRun::NearAnEnd};
+    SymbolRun run = SymbolRun::NearAnEnd;
 
     if (reader.end - in.next < kFastInputRoom || output.end - out < kFastOutputRoom) {
         return run;
@@ -202,11 +189,12 @@ SymbolRun DecodeFast(BitReader& reader, InflateOutput& output, const BlockCodes&
             }
             if ((entry & kEntryEndOfBlock) != 0) {
                 in.Consume(entry);
-                run.outcome = SymbolRun::EndOfBlock;
+                run = SymbolRun::EndOfBlock;
                 break;
             }
             if ((entry & kEntryExceptional) != 0) {
-                run = {SymbolRun::BadLiteral, entry};
+                bad = {entry};
+                run = SymbolRun::BadLiteral;
                 break;
             }
         }
@@ -222,12 +210,14 @@ SymbolRun DecodeFast(BitReader& reader, InflateOutput& output, const BlockCodes&
             entry = distances.Second(entry, in.bits);
         }
         if ((entry & kEntryExceptional) != 0) {
-            run = {SymbolRun::BadDistance, entry};
+            bad = {entry};
+            run = SymbolRun::BadDistance;
             break;
         }
         const uint32_t distance = in.TakeValue(entry);
         if (distance > static_cast<size_t>(out - output.begin)) {
-            run = {SymbolRun::BadDistance, entry, distance};
+            bad = {entry, distance};
+            run = SymbolRun::BadDistance;
             break;
         }
         in.Refill();
@@ -235,9 +225,8 @@ SymbolRun DecodeFast(BitReader& reader, InflateOutput& output, const BlockCodes&
         CopyMatch(out, distance, length);
         out += length;
     } while (in.next <= lastInput && out <= lastOutput);
-    // An entry that was looked up has not been consumed: its bits go back with the others. Above
-    // them the reader wants zeros.
-    reader.bits = LowBits(in.bits, in.Count());
+    // An entry that was looked up has not been consumed: its bits go back with the others.
+    reader.bits = in.bits;
     reader.count = in.Count();
     reader.next = in.next;
     output.next = out;

@@ -15,7 +15,12 @@ constexpr uint32_t kFlagCrc = 1;
 constexpr uint32_t kFlagPassword = 2;
 constexpr uint32_t kFlagsEnd = 8;
 
-// How far back matches reach, and as much again to inflate into before the window is moved.
+// How far back matches reach, and as much again to inflate into before the window is moved:
+//
+//      | history: what matches may refer to | inflated now ...   | room |
+//      0                                                 windowUsed     kWindowSize
+//
+// When it is full, its last kHistorySize bytes move to the front.
 constexpr size_t kHistorySize = size_t{32} << 10;
 constexpr size_t kWindowSize = 2 * kHistorySize;
 
@@ -25,6 +30,10 @@ uint32_t Number16(const uint8_t* bytes) {
 
 uint32_t Number32(const uint8_t* bytes) {
     return Number16(bytes) | Number16(bytes + 2) << 16;
+}
+
+void LogNoMemory(const KVString& fileName) {
+    Log("[KVInflate]ワークが作成できない - %s\n", fileName.c_str());
 }
 
 void LogFault(const InflateFault& fault, const KVString& fileName) {
@@ -137,7 +146,7 @@ size_t KVInflate::ReadPiece(Stream& stream, std::span<uint8_t> destination) {
     if (stream.window == nullptr) {
         stream.window = AllocateZeroed(kWindowSize);
         if (stream.window == nullptr) {
-            Log("[KVInflate]ワークが作成できない - %s\n", stream.file->Name().c_str());
+            LogNoMemory(stream.file->Name());
             stream.failed = true;
             return 0;
         }
@@ -187,10 +196,12 @@ InflatedBlock InflateMemory(std::span<const uint8_t> compressed, uint64_t least,
     }
     const uint32_t size = stream.UncompressedSize();
     if (size < least || size > most) {
+        LogFault({InflateFault::InputEnd}, file.Name());
         return {};
     }
     ZeroedBlock block = AllocateZeroed(size);
     if (block == nullptr && size > 0) {
+        LogNoMemory(file.Name());
         return {};
     }
     const bool isWhole = stream.Read({block.get(), size}) == size;

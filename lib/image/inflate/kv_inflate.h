@@ -23,13 +23,15 @@ namespace imgbasic {
 ///
 /// Every failure is one log line, "[KVInflate]" and:
 ///
-///   ワークが作成できない - %s          no memory for the window of piecewise reading
+///   ワークが作成できない - %s          no memory for the window of piecewise reading, or for all
+///                                      the data of a stream in memory
 ///   他のファイルを操作中 - %s          Open while a stream is open
 ///   ファイルが指定されてない - %s      Open without a file; Read or Close without a stream
 ///   パスワードが必要 - %s              encrypted data, for which there never is a password
 ///   CRCエラー - %s                     all was read and its checksum is not the announced one
 ///   データが足りない - %s              the DEFLATE data ends before the announced size
-///   ファイル読み込みエラー             no such header, or the input ends before the DEFLATE data
+///   ファイル読み込みエラー             no such header, a size that the reader does not believe, or
+///                                      the input ends before the DEFLATE data
 ///   ブロックサイズが異常(len:0x%04x, xlen:0x%04x)   InflateFault::StoredLength
 ///   ハフマンコードが異常               InflateFault::CodeLengthCode
 ///   ビット長のリピート値が異常         InflateFault::CodeLengthRepeat
@@ -91,7 +93,7 @@ struct InflatedBlock {
 };
 
 /// Inflates the stream that `compressed` holds. A stream that announces less than `least` or more
-/// than `most` bytes fails before anything is allocated for it.
+/// than `most` bytes fails before anything is allocated for it. Failures are logged as KVInflate's.
 InflatedBlock InflateMemory(std::span<const uint8_t> compressed, uint64_t least, uint64_t most);
 
 }  // namespace imgbasic

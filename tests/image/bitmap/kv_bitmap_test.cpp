@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 #include <tuple>
 
 #include "lib/base/log.h"
@@ -113,8 +114,12 @@ TEST(KVBitmap, BelievesSizesOnlyAsFarAsItsOwnAllow) {
     for (const auto& [paletteCount, least, most] :
          {std::tuple{0U, 24U, 24U + 65536}, {2U, 14U, 1032U + 65536}}) {
         for (const uint32_t size : {0U, least - 1, least, most, most + 1, UINT32_MAX}) {
+            const bool believed = size >= least && size <= most;
+            std::string log;
+            const LogCapture capture([&](std::string_view line) { log += line.substr(22); });
             const KVBitmap bitmap(3, 2, paletteCount, PixelStream(size, zeros));
-            EXPECT_EQ(bitmap.EnsurePixels(), size >= least && size <= most) << size;
+            EXPECT_EQ(bitmap.EnsurePixels(), believed) << size;
+            EXPECT_EQ(log, believed ? "" : "[KVInflate]ファイル読み込みエラー\n") << size;
         }
     }
 }
@@ -132,7 +137,10 @@ TEST(KVBitmap, InflatesOnlyWhenItMay) {
     bitmap.identifier = -1;
     {
         const ScopedBlockLimit noMemory(0);
+        std::string log;
+        const LogCapture capture([&](std::string_view line) { log += line.substr(22); });
         EXPECT_FALSE(bitmap.EnsurePixels());
+        EXPECT_EQ(log, "[KVInflate]ワークが作成できない - \n");
     }
     ASSERT_EQ(bitmap.Words().size(), 6U);
     EXPECT_EQ(bitmap.Words()[5], 0x07070707U);

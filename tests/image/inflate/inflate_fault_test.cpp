@@ -141,6 +141,20 @@ TEST(InflateFault, LogsItsLineAndKeepsWhatCameBefore) {
     }
 }
 
+TEST(InflateFault, AChecksumIsComparedOnlyWhenEverythingWasRead) {
+    const Bytes stream = PixelStream(2, StoredBlock(Bytes{1, 2}), 1, {0xBADBADBA});
+    for (const size_t size : {0U, 1U, 2U}) {
+        KVMemoryFile file(stream, "a.kv");
+        KVInflate inflate;
+        Bytes bytes(size);
+        const LogLines log;
+        EXPECT_TRUE(inflate.Open(&file));
+        EXPECT_EQ(inflate.Read(bytes), size);
+        EXPECT_EQ(inflate.Close(), size < 2);
+        EXPECT_EQ(log.text, size < 2 ? "" : Line("CRCエラー", Suffix::Always, "a.kv"));
+    }
+}
+
 TEST(InflateFault, CallsThatDoNotFitTheState) {
     const Bytes stream = PixelStream(2, StoredBlock(Bytes{1, 2}));
     KVMemoryFile file(stream, "a.kv");

@@ -68,14 +68,18 @@ Bytes FarRepeats(Random& random, size_t size) {
     return bytes;
 }
 
+// Flushed half way, which writes an empty block.
 Bytes DeflateByZlib(Bytes bytes, int level, int strategy) {
     z_stream zlib{};
     deflateInit2(&zlib, level, Z_DEFLATED, -MAX_WBITS, 8, strategy);
-    Bytes data(deflateBound(&zlib, static_cast<uLong>(bytes.size())));
+    const auto half = static_cast<uInt>(bytes.size() / 2);
+    Bytes data(deflateBound(&zlib, static_cast<uLong>(bytes.size())) + 100);
     zlib.next_in = bytes.data();
-    zlib.avail_in = static_cast<uInt>(bytes.size());
+    zlib.avail_in = half;
     zlib.next_out = data.data();
     zlib.avail_out = static_cast<uInt>(data.size());
+    deflate(&zlib, Z_PARTIAL_FLUSH);
+    zlib.avail_in = static_cast<uInt>(bytes.size()) - half;
     EXPECT_EQ(deflate(&zlib, Z_FINISH), Z_STREAM_END);
     data.resize(zlib.total_out);
     deflateEnd(&zlib);
