@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <ostream>
 #include <random>
 #include <vector>
@@ -49,34 +50,36 @@ inline std::vector<RGBA16> EdgyPixels(size_t count, uint32_t seed) {
 }
 
 /// Runs `kernel(dst, src, count)` at the scalar level and at `level` over all counts from 1 to 67
-/// at all offsets from a 64-byte boundary, in steps of a pixel, and expects equal pixels, nothing
-/// written outside the run.
+/// at all offsets from a 64-byte boundary, in steps of a pixel and up to three channels more, and
+/// expects equal pixels, nothing written outside the run.
 template <typename Kernel>
 void ExpectEqualForms(SimdLevel level, uint32_t seed, Kernel&& kernel) {
     constexpr size_t kMaxCount = 67;
     constexpr size_t kOffsets = 8;
-    constexpr RGBA16 kGuard{0xDEAD, 0xBEEF, 0xDEAD, 0xBEEF};
-    struct alignas(64) Aligned {
-        RGBA16 pixels[kMaxCount + 2 * kOffsets];
+    struct alignas(64) Words {
+        uint16_t words[4 * (kMaxCount + kOffsets + 1)];
+
+        RGBA16* At(size_t offset, size_t shift) {
+            return reinterpret_cast<RGBA16*>(words + 4 * offset + shift);
+        }
     };
-    const auto src = EdgyPixels(kMaxCount + kOffsets, seed);
+    const auto edgy = EdgyPixels(kMaxCount + kOffsets, seed);
     for (size_t count = 1; count <= kMaxCount; ++count) {
+        const size_t shift = count % 4;
+        Words src;
+        std::memcpy(src.At(0, shift), edgy.data(), edgy.size() * sizeof(RGBA16));
         for (size_t offset = 0; offset < kOffsets; ++offset) {
-            Aligned expected;
-            std::fill(std::begin(expected.pixels), std::end(expected.pixels), kGuard);
-            Aligned actual = expected;
-            {
-                const ScopedSimdLevel scalar(SimdLevel::Scalar);
-                kernel(expected.pixels + offset, src.data() + (offset * 3) % kOffsets, count);
+            Words expected;
+            std::fill(std::begin(expected.words), std::end(expected.words), uint16_t{0xDEAD});
+            Words actual = expected;
+            for (const bool scalar : {true, false}) {
+                const ScopedSimdLevel scope(scalar ? SimdLevel::Scalar : level);
+                kernel((scalar ? expected : actual).At(offset, shift),
+                       src.At((offset * 3) % kOffsets, shift), count);
             }
-            {
-                const ScopedSimdLevel vector(level);
-                kernel(actual.pixels + offset, src.data() + (offset * 3) % kOffsets, count);
-            }
-            for (size_t i = 0; i < std::size(expected.pixels); ++i) {
-                ASSERT_EQ(actual.pixels[i], expected.pixels[i])
-                    << "count " << count << ", offset " << offset << ", pixel "
-                    << static_cast<ptrdiff_t>(i) - static_cast<ptrdiff_t>(offset) << ", seed "
+            for (size_t i = 0; i < std::size(expected.words); ++i) {
+                ASSERT_EQ(actual.words[i], expected.words[i])
+                    << "count " << count << ", offset " << offset << ", word " << i << ", seed "
                     << seed;
             }
         }

@@ -15,6 +15,7 @@ struct RGBA16 {
 };
 
 static_assert(sizeof(RGBA16) == 8, "host rows are packed, 8 bytes a pixel");
+static_assert(alignof(RGBA16) == 2, "host buffers begin at any multiple of 2");
 
 /// Full intensity and full opacity; an 8-bit value v is stored as v * 256.
 constexpr uint16_t kFullScale = 0xFF00;

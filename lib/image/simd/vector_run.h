@@ -21,7 +21,8 @@ struct VectorRun {
 };
 
 /// `step` is the pixels in a vector. A run to be streamed begins where `dst` is aligned to a
-/// vector; a buffer that never is (odd addresses) is not streamed.
+/// vector; a buffer that never is, its address being no multiple of a pixel's size, is not
+/// streamed.
 static inline VectorRun SplitRun(const RGBA16* dst, size_t count, size_t step, Store store) {
     const size_t bytes = step * sizeof(RGBA16);
     const size_t misaligned = reinterpret_cast<uintptr_t>(dst) % bytes;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <span>
 
 #include "lib/image/pixels/row_kernel.h"
 #include "lib/image/resample/weighted_sum_lanes.h"
@@ -135,8 +136,19 @@ TEST_P(Resample, DrawsWhatTheOracleDraws) {
     }
 }
 
+/// A copy at an address that is a multiple of 2 only.
+struct ShiftedPixels {
+    std::vector<uint16_t> words;
+    RGBA16* pixels;
+
+    explicit ShiftedPixels(const std::vector<RGBA16>& from)
+        : words(4 * from.size() + 1), pixels(reinterpret_cast<RGBA16*>(&words[1])) {
+        std::ranges::copy(from, pixels);
+    }
+};
+
 /// Large results are written past the caches; the rows of this one begin at any alignment.
-TEST_P(Resample, DrawsLargeResultsAlike) {
+TEST_P(Resample, DrawsLargeResultsAlikeAtAnyAddress) {
     const ScopedSimdLevel level(GetParam());
     const Image source(300, 200, EdgyPixels(300 * 200, 9));
     Image expected(1101, 480, RGBA16{1, 2, 3, 4});
@@ -144,14 +156,23 @@ TEST_P(Resample, DrawsLargeResultsAlike) {
     for (const Kernel kernel : kKernels) {
         Image actual = expected;
         DrawWhole(kernel, BoundaryClamp, true, actual, source);
-        SimpleResample{kernel,
-                       BoundaryClamp,
-                       true,
-                       expected.Target(expected.Whole()),
-                       source.Source(source.Whole()),
-                       {0, 0, 300, 200}}
-            .Draw();
+        SimpleResample call{kernel,
+                            BoundaryClamp,
+                            true,
+                            expected.Target(expected.Whole()),
+                            source.Source(source.Whole()),
+                            {0, 0, 300, 200}};
+        const ShiftedPixels from(source.pixels);
+        const ShiftedPixels to(expected.pixels);
+        SimpleResample shifted = call;
+        shifted.s.pixels = from.pixels;
+        shifted.d.pixels = to.pixels;
+        Draw(shifted);
+        call.Draw();
         EXPECT_TRUE(actual.pixels == expected.pixels) << "kernel " << kernel;
+        EXPECT_TRUE(
+            std::ranges::equal(expected.pixels, std::span(to.pixels, expected.pixels.size())))
+            << "kernel " << kernel;
     }
 }
 
