@@ -3,7 +3,8 @@
 #include <functional>
 #include <string_view>
 
-#ifdef __MINGW32__
+// clang knows one style only.
+#if defined(__MINGW32__) && !defined(__clang__)
 #define IMGBASIC_PRINTF_STYLE gnu_printf
 #else
 #define IMGBASIC_PRINTF_STYLE printf

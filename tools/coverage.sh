@@ -1,0 +1,36 @@
+# ./dev coverage, run by it: which lines of lib/, plugin/ and host/ the tests reach on Linux and,
+# under Wine, on Windows; a line that one of the two reaches is covered. docs/testing.md says why
+# the others are not. What no test reaches is listed in build/coverage/lines.txt.
+install_packages "${test_packages[@]}" gcovr
+rm -rf build/coverage
+mkdir -p build/coverage
+
+# Builds a preset, runs its tests, a runner named behind it, and keeps what gcov counted.
+count_lines() {
+    local preset=$1 gcov=$2
+    shift 2
+    build_preset "$preset"
+    find "build/$preset" -name '*.gcda' -delete
+    run_preset_tests "$preset" "$@"
+    gcovr --root . --filter lib/ --filter plugin/ --filter host/ --gcov-executable "$gcov" \
+        --json "build/coverage/$preset.json" "build/$preset"
+}
+count_lines native-coverage gcov
+prepare_wine
+count_lines win64-coverage x86_64-w64-mingw32-gcov-posix run_wine wine
+
+# Sums the lines up for the folders named; further words go to gcovr.
+report() {
+    local filters=() folder
+    while [ "${1#--}" = "$1" ]; do
+        filters+=(--filter "$1")
+        shift
+    done
+    gcovr --root . --add-tracefile 'build/coverage/*.json' "${filters[@]}" "$@"
+}
+report lib/ plugin/ host/ --txt build/coverage/lines.txt
+for folder in lib/ plugin/ host/; do
+    echo "$folder $(report "$folder" --print-summary --txt /dev/null | grep '^lines')"
+done
+report lib/ plugin/ --fail-under-line 95 --txt /dev/null || failed=$((failed + 1))
+summary
