@@ -256,23 +256,19 @@ TEST_F(DriverTest, ChangesNothingInAPhaseThatOnlyShowsTheLayers) {
 }
 
 TEST_F(DriverTest, EndsAsThePhaseAnswers) {
-    const struct {
-        int answer;
-        RunStatus status;
-    } cases[] = {{1, RunStatus::Done},
-                 {-1, RunStatus::NothingToDo},
-                 {0, RunStatus::Failed},
-                 {-2, RunStatus::Failed},
-                 {-77, RunStatus::Failed}};
     script_.phases = 2;
-    for (const auto& test : cases) {
+    for (const auto& [answer, status] : {std::pair{1, RunStatus::Done},
+                                         {-1, RunStatus::NothingToDo},
+                                         {0, RunStatus::Failed},
+                                         {-2, RunStatus::Failed},
+                                         {-77, RunStatus::Failed}}) {
         script_.disposed = 0;
-        script_.phase = [&](int phase, uint32_t&, uint32_t&, uint32_t&) {
-            return phase == 0 ? 1 : test.answer;
+        script_.phase = [last = answer](int phase, uint32_t&, uint32_t&, uint32_t&) {
+            return phase == 0 ? 1 : last;
         };
         const RunOutcome outcome = Run();
-        EXPECT_EQ(outcome.status, test.status) << test.answer;
-        EXPECT_EQ(outcome.fault.empty(), test.status != RunStatus::Failed);
+        EXPECT_EQ(outcome.status, status) << answer;
+        EXPECT_EQ(outcome.fault.empty(), status != RunStatus::Failed);
     }
 }
 
@@ -410,10 +406,6 @@ TEST_F(RealModule, InvertsWhatTheDocumentShows) {
     }
 }
 
-auto Contents(const Layer& layer) {
-    return std::tie(layer.name, layer.opacity, layer.clip, layer.visible, layer.pixels);
-}
-
 TEST_F(RealModule, JoinsTheChannelsOfALayerToTheSameLayerInTheSamePlace) {
     for (int i = 0; i < 20; ++i) {
         Document document = random_.AnyDocument(9, 7);
@@ -428,7 +420,11 @@ TEST_F(RealModule, JoinsTheChannelsOfALayerToTheSameLayerInTheSamePlace) {
         document.items.emplace_back(folder);
         const auto last = static_cast<int32_t>(document.items.size()) - 1;
         for (LayerPosition position : {LayerPosition{1, -1}, LayerPosition{last, 2}}) {
+            const Layer& source = position.layer < 0 ? LayerAt(document, 1) : folder.layers[2];
             const Document split = Run(document, {.filter = "chan_decomp", .current = position});
+            if (source.kind == CompositionKind::Normal && !source.clip) {
+                EXPECT_TRUE(Flatten(split) == Flatten(document)) << "its channels look like it";
+            }
             ++(position.layer < 0 ? position.item : position.layer);
             const Document joined = Run(split, {.filter = "chan_merge", .current = position});
             ASSERT_EQ(Names(joined), Names(document));

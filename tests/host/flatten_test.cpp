@@ -7,8 +7,6 @@
 namespace imgbasic::host {
 namespace {
 
-constexpr RGBA16 kBlack{0, 0, 0, kFullScale};
-
 /// Alpha compositing as it is written in books, in floating point, colours in 0..1.
 RGBA16 SimpleComposite(RGBA16 source, CompositionKind kind, RGBA16 backdrop) {
     const double full = kFullScale;
@@ -57,47 +55,6 @@ TEST(Flatten, OneNormalLayerIsItself) {
     document.items.emplace_back(empty);
     std::get<Layer>(document.items.back()).bounds = {0, 0, 9, 9};
     EXPECT_TRUE(Flatten(document) == pixels);
-}
-
-/// A layer's channels, each on its own: additive layers clipped to a black one with the alpha.
-std::vector<Layer> ChannelLayers(const Layer& source) {
-    std::vector<Layer> layers;
-    for (const auto channel : {&RGBA16::r, &RGBA16::g, &RGBA16::b}) {
-        Layer layer = source;
-        layer.pixels.clear();
-        layer.opacity = 100;
-        layer.kind = CompositionKind::Additive;
-        layer.clip = true;
-        for (const RGBA16& pixel : source.pixels) {
-            layer.pixels.push_back(pixel == RGBA16{} ? pixel : kBlack);
-            layer.pixels.back().*channel = pixel.*channel;
-        }
-        layers.push_back(std::move(layer));
-    }
-    layers.push_back(source);
-    for (RGBA16& pixel : layers.back().pixels) {
-        pixel = {0, 0, 0, pixel.a};
-    }
-    return layers;
-}
-
-TEST(Flatten, ChannelLayersLookExactlyAsTheirSource) {
-    for (uint32_t seed = 0; seed < 200; ++seed) {
-        SCOPED_TRACE(seed);
-        RandomDocuments random(seed);
-        Document whole = random.AnyDocument(13, 9);
-        Layer source = random.AnyLayer(13, 9);
-        source.clip = false;
-        source.opacity = random.Below(3) == 0 ? 50 : 100;
-        Document split = whole;
-        const std::vector<Layer> channels = ChannelLayers(source);
-        const auto place =
-            static_cast<int64_t>(random.Below(static_cast<uint32_t>(whole.items.size()) + 1));
-        // What lay clipped above the place is then clipped to the source in both.
-        whole.items.insert(whole.items.begin() + place, source);
-        split.items.insert(split.items.begin() + place, channels.begin(), channels.end());
-        ASSERT_TRUE(Flatten(split) == Flatten(whole));
-    }
 }
 
 TEST(Flatten, AFolderIsTheLayerThatItLooksLike) {

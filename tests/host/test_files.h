@@ -10,6 +10,7 @@
 #include <random>
 #include <span>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -129,6 +130,11 @@ class RandomDocuments {
 
     std::mt19937 random_;
 };
+
+/// What tells two layers apart but for their kind, for a comparison.
+inline auto Contents(const Layer& layer) {
+    return std::tie(layer.name, layer.opacity, layer.clip, layer.visible, layer.pixels);
+}
 
 inline Layer LayerOf(std::vector<RGBA16> pixels, int32_t width, int32_t height) {
     Layer layer;

@@ -3,6 +3,7 @@
 #include "plugin/imgbasic/gray.h"
 #include "plugin/imgbasic/mono.h"
 #include "tests/image/kernel_test.h"
+#include "tests/plugin/filter_run.h"
 
 namespace imgbasic {
 namespace {
@@ -21,18 +22,12 @@ struct MonoCase {
 };
 
 /// What the filter makes of one pixel of a merged image; expects it to announce the result.
-RGBA16 Merged(ImageProcess& filter, RGBA16 pixel) {
-    filter.width = filter.height = 1;
-    filter.mergedImage = &pixel;
-    RGBA16 result{};
-    uint32_t resultKind = 7;
-    ExecuteArgs args{};
-    args.subLayer = -1;
-    args.dst = &result;
-    args.resultKind = &resultKind;
-    EXPECT_TRUE(filter.Execute(args));
-    EXPECT_EQ(resultKind, 1U);
-    return result;
+template <typename Process>
+RGBA16 Merged(FilterRun<Process>& run, RGBA16 pixel) {
+    run.merged[0] = pixel;
+    EXPECT_TRUE(run.process.Execute(run.Args(0, -1, nullptr)));
+    EXPECT_EQ(run.resultKind, 1U);
+    return run.dst[0];
 }
 
 TEST(GrayFilter, CalculatesByCalcModeAndTintsByColorMode) {
@@ -58,13 +53,13 @@ TEST(GrayFilter, CalculatesByCalcModeAndTintsByColorMode) {
         {6, 8, {0, 0, kF, kF}, {1 * 255, 0x80 * 255, 0xFE * 255, kF}},
         {6, -1, {0, 0, kF, kF}, {0, 0, 0, kF}},
     };
-    GrayScaleImageProcess gray;
-    gray.drawColor = 0xAA336699;
-    gray.backColor = 0x0180FE;
+    FilterRun<GrayScaleImageProcess> run(1, 1, {{}}, {{}});
+    run.process.drawColor = 0xAA336699;
+    run.process.backColor = 0x0180FE;
     for (const auto& c : kCases) {
-        gray.CalcMode = c.calcMode;
-        gray.ColorMode = c.colorMode;
-        EXPECT_EQ(Merged(gray, c.pixel), c.result) << c.calcMode << ", " << c.colorMode;
+        run.process.CalcMode = c.calcMode;
+        run.process.ColorMode = c.colorMode;
+        EXPECT_EQ(Merged(run, c.pixel), c.result) << c.calcMode << ", " << c.colorMode;
     }
 }
 
@@ -76,10 +71,10 @@ TEST(MonoFilter, ComparesRedAloneWithAnyThreshold) {
         {256, {0xFFFF, 0, 0, kF}, 0},  {-1, {0, 0, 0, kF}, kF},
         {INT_MAX, {0, 0, 0, kF}, kF},  {INT_MIN, {0, 0, 0, kF}, kF},
     };
-    MonoImageProcess mono;
+    FilterRun<MonoImageProcess> run(1, 1, {{}}, {{}});
     for (const auto& c : kCases) {
-        mono.Threshold = c.threshold;
-        EXPECT_EQ(Merged(mono, c.pixel), (RGBA16{c.level, c.level, c.level, c.pixel.a}))
+        run.process.Threshold = c.threshold;
+        EXPECT_EQ(Merged(run, c.pixel), (RGBA16{c.level, c.level, c.level, c.pixel.a}))
             << c.threshold;
     }
 }

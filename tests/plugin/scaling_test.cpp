@@ -1,9 +1,8 @@
 #include "plugin/imgbasic/scaling.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <vector>
+
+#include "tests/plugin/filter_run.h"
 
 namespace imgbasic {
 namespace {
@@ -35,97 +34,44 @@ TEST(Scaling, ComputesTheSizeFromThePercentagesWithoutADialog) {
 }
 
 /// An opaque and a clear pixel, 2 x 1, to 4 x 1.
-struct ScalingRun {
-    ScalingImageProcess scaling;
-    std::vector<RGBA16> src{{100, 200, 300, 0xFF00}, {}};
-    std::vector<RGBA16> dst = std::vector<RGBA16>(4, RGBA16{1, 2, 3, 4});
+struct ScalingRun : FilterRun<ScalingImageProcess> {
     RECT area{0, 0, 2, 1};
-    RECT outRect{-7, -7, -7, -7};
-    ExecuteArgs args{};
+    ExecuteArgs args = Args(0, -1, &area);
 
-    ScalingRun() {
-        scaling.width = 2;
-        scaling.height = 1;
-        scaling.newWidth = 4;
+    ScalingRun() : FilterRun(2, 1, {{100, 200, 300, 0xFF00}, {}}, {}) {
+        process.newWidth = 4;
+        dst.resize(4);
         args.dst = dst.data();
-        args.outRect = &outRect;
-        args.src = src.data();
-        args.inRect = &area;
     }
-
-    std::vector<int> Alphas() const { return {dst[0].a, dst[1].a, dst[2].a, dst[3].a}; }
 };
 
-TEST(Scaling, AnnouncesAnotherSizeAndAdjustsToIt) {
-    ScalingRun run;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    EXPECT_EQ(run.scaling.Phase(0, &width, &height, nullptr, 0, 0, nullptr), 1);
-    EXPECT_EQ(width, 4U);
-    EXPECT_EQ(height, 1U) << "the source's while it is not set";
-    for (const bool changeBrush : {true, false}) {
-        run.scaling.ChangeBrush = changeBrush;
-        double scale = 5;
-        double x = 1.5;
-        static_cast<ImageProcess&>(run.scaling).AdjustScale(0, 0, &scale, nullptr);
-        EXPECT_EQ(scale, changeBrush ? 2 : 5);
-        EXPECT_TRUE(run.scaling.AdjustLocate(0, 9, 9, &x, nullptr));
-        EXPECT_EQ(x, 3);
-    }
-    run.scaling.newWidth = 2;
-    EXPECT_EQ(run.scaling.Phase(0, &width, &height, nullptr, 0, 0, nullptr), -1);
-    EXPECT_EQ(width, 4U) << "not written";
+TEST(Scaling, ShowsPercentagesOf512InABatch) {
     ScalingImageProcess batch;
     EXPECT_EQ(batch.BatchPrepare(), 1);
     EXPECT_EQ(batch.ResultWidth(), 512);
-    EXPECT_EQ(batch.Phase(0, nullptr, nullptr, nullptr, 0, 0, nullptr), -1);
-}
-
-TEST(Scaling, DrawsWithTheKernelAndOptionsChosen) {
-    struct Case {
-        int32_t interType, boundary;
-        bool boundAlpha;
-        std::vector<int> alphas;
-    };
-    const Case cases[] = {
-        {0, 0, true, {65280, 65280, 4, 4}},
-        {1, 0, true, {65280, 65280, 4, 4}},
-        {2, 0, true, {48960, 48960, 16320, 4}},
-        {2, 1, false, {65280, 48960, 16320, 4}},
-        {2, 1, true, {57600, 48960, 16320, 4}},
-        {2, 2, false, {48960, 48960, 16320, 16320}},
-        {3, 0, true, {4, 4, 4, 4}},
-    };
-    for (const Case& c : cases) {
-        ScalingRun run;
-        run.scaling.InterType = c.interType;
-        run.scaling.BoundaryType = c.boundary;
-        run.scaling.BoundAlpha = c.boundAlpha;
-        run.area.right = INT_MAX;
-        EXPECT_TRUE(run.scaling.Execute(run.args));
-        EXPECT_EQ(run.outRect.right, 4);
-        EXPECT_EQ(run.Alphas(), c.alphas) << "case " << &c - cases;
-    }
+    EXPECT_EQ(batch.Phase(0, nullptr, nullptr, nullptr, 0, 0, nullptr), -1) << "the same size";
 }
 
 TEST(Scaling, ReportsOrSkipsAsAsked) {
-    const std::vector<int> untouched{4, 4, 4, 4};
     ScalingRun run;
     run.args.inRect = nullptr;
-    EXPECT_TRUE(run.scaling.Execute(run.args));
-    EXPECT_EQ(run.outRect.right, -7) << "no area, no answer";
+    EXPECT_TRUE(run.process.Execute(run.args));
+    EXPECT_TRUE(Equal(run.outRect, kUntouched)) << "no area, no answer";
     run.args.inRect = &run.area;
     run.args.skipPixels = true;
-    EXPECT_TRUE(run.scaling.Execute(run.args));
+    EXPECT_TRUE(run.process.Execute(run.args));
     EXPECT_EQ(run.outRect.right, 4);
     run.args.skipPixels = false;
     run.args.outRect = nullptr;
-    run.scaling.newWidth = INT_MIN;
-    EXPECT_TRUE(run.scaling.Execute(run.args));
+    run.process.newWidth = INT_MIN;
+    EXPECT_TRUE(run.process.Execute(run.args));
     run.args.src = nullptr;
-    run.scaling.newWidth = 4;
-    EXPECT_TRUE(run.scaling.Execute(run.args));
-    EXPECT_EQ(run.Alphas(), untouched);
+    run.process.newWidth = 4;
+    EXPECT_TRUE(run.process.Execute(run.args));
+    EXPECT_EQ(run.dst, std::vector<RGBA16>(4));
+    run.args.src = run.src.data();
+    EXPECT_TRUE(run.process.Execute(run.args));
+    EXPECT_NE(run.dst, std::vector<RGBA16>(4));
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
 #include "plugin/imgbasic/target.h"
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <climits>
-#include <string>
-#include <vector>
 
 #include "plugin/imgbasic/nega.h"
+#include "tests/plugin/filter_run.h"
 
 namespace imgbasic {
 namespace {
@@ -14,7 +12,6 @@ namespace {
 constexpr int32_t kWidth = 5;
 constexpr int32_t kHeight = 4;
 constexpr size_t kPixels = size_t{kWidth} * kHeight;
-constexpr RECT kUntouched{-7, -7, -7, -7};
 constexpr RECT kArea{1, 1, 4, 3};
 constexpr RECT kImage{0, 0, kWidth, kHeight};
 
@@ -49,44 +46,22 @@ constexpr Case kCases[] = {
     {"current in a folder: another folder's layer", 2, 1, 1, 1, true, kUntouched, false, 0},
 };
 
-bool Equal(const RECT& a, const RECT& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
 bool Contains(const RECT& rect, size_t index) {
     const auto x = static_cast<int32_t>(index) % kWidth;
     const auto y = static_cast<int32_t>(index) / kWidth;
     return x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
 }
 
-/// A run over exactly sized buffers, so that the address sanitizer sees any step outside.
-struct FilterRun {
-    NegaImageProcess nega;
-    std::vector<RGBA16> merged = std::vector<RGBA16>(kPixels, RGBA16{1, 1, 1, 1});
-    std::vector<RGBA16> src = std::vector<RGBA16>(kPixels, RGBA16{2, 2, 2, 2});
-    std::vector<RGBA16> dst = std::vector<RGBA16>(kPixels);
-    RECT outRect = kUntouched;
-    uint32_t resultCode = 0;
-    uint32_t resultKind = 0;
+/// A filter whose rows are copied: the merged image is all 1, the layer all 2.
+struct CopyRun : FilterRun<NegaImageProcess> {
+    CopyRun() : FilterRun(kWidth, kHeight, Filled(2), Filled(1)) { process.curLayer = 2; }
 
-    FilterRun() {
-        nega.width = kWidth;
-        nega.height = kHeight;
-        nega.curLayer = 2;
-        nega.mergedImage = merged.data();
+    static std::vector<RGBA16> Filled(uint16_t value) {
+        return {kPixels, RGBA16{value, value, value, value}};
     }
 
     bool Execute(int32_t layer, int32_t subLayer, const RECT* area, MergedResult announce) {
-        ExecuteArgs args{};
-        args.layer = layer;
-        args.subLayer = subLayer;
-        args.dst = dst.data();
-        args.outRect = &outRect;
-        args.src = src.data();
-        args.inRect = area;
-        args.resultCode = &resultCode;
-        args.resultKind = &resultKind;
-        return ExecuteOnTarget(nega, args, announce,
+        return ExecuteOnTarget(process, Args(layer, subLayer, area), announce,
                                [](RGBA16* to, const RGBA16* from, size_t count, Store) {
                                    std::copy_n(from, count, to);
                                });
@@ -96,9 +71,9 @@ struct FilterRun {
 TEST(Target, SelectsByTypeAndPosition) {
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.what);
-        FilterRun run;
-        run.nega.TargetType = c.target;
-        run.nega.curSubLayer = c.curSubLayer;
+        CopyRun run;
+        run.process.TargetType = c.target;
+        run.process.curSubLayer = c.curSubLayer;
         EXPECT_EQ(run.Execute(c.layer, c.subLayer, &kArea, MergedResult::Announced), c.result);
         EXPECT_TRUE(Equal(run.outRect, c.outRect));
         EXPECT_EQ(run.resultCode, c.resultCode);
@@ -113,16 +88,16 @@ TEST(Target, SelectsByTypeAndPosition) {
 
 TEST(Target, LeavesOutputsAloneWithoutARectangleAndKeepsASilentResultSilent) {
     for (const int32_t target : {1, 2}) {
-        FilterRun run;
-        run.nega.TargetType = target;
+        CopyRun run;
+        run.process.TargetType = target;
         EXPECT_TRUE(run.Execute(2, -1, nullptr, MergedResult::Announced));
         EXPECT_TRUE(Equal(run.outRect, kUntouched));
     }
-    FilterRun silent;
+    CopyRun silent;
     EXPECT_TRUE(silent.Execute(-3, -1, nullptr, MergedResult::Silent));
     EXPECT_TRUE(Equal(silent.outRect, kImage));
     EXPECT_EQ(silent.resultKind, 0U);
-    silent.nega.mergedImage = nullptr;
+    silent.process.mergedImage = nullptr;
     EXPECT_FALSE(silent.Execute(0, -1, nullptr, MergedResult::Silent));
 }
 
@@ -138,8 +113,8 @@ TEST(Target, NeverLeavesTheBuffersButReportsTheHostsRectangle) {
         {INT_MIN, 0, INT_MIN + 1, 1},
     };
     for (const RECT& area : kHostile) {
-        FilterRun run;
-        run.nega.TargetType = AllLayers;
+        CopyRun run;
+        run.process.TargetType = AllLayers;
         EXPECT_TRUE(run.Execute(0, -1, &area, MergedResult::Silent));
         EXPECT_TRUE(Equal(run.outRect, area));
         for (size_t i = 0; i < kPixels; ++i) {
@@ -147,22 +122,22 @@ TEST(Target, NeverLeavesTheBuffersButReportsTheHostsRectangle) {
         }
     }
     for (const int32_t broken : {0, -1, INT_MIN}) {
-        FilterRun run;
-        run.nega.TargetType = AllLayers;
-        run.nega.width = broken;
+        CopyRun run;
+        run.process.TargetType = AllLayers;
+        run.process.width = broken;
         EXPECT_TRUE(run.Execute(0, -1, &kImage, MergedResult::Silent));
         EXPECT_EQ(run.dst, std::vector<RGBA16>(kPixels));
     }
 }
 
 TEST(Target, PointFiltersReportOnlyTheCurrentLayerAsInside) {
-    FilterRun run;
-    run.nega.curSubLayer = 1;
-    EXPECT_FALSE(run.nega.AdjustLocate(0, 9, 9, nullptr, nullptr));
-    run.nega.TargetType = CurrentLayer;
-    EXPECT_TRUE(run.nega.AdjustLocate(0, 9, 1, nullptr, nullptr));
-    EXPECT_TRUE(run.nega.AdjustLocate(0, 2, 0, nullptr, nullptr));
-    EXPECT_FALSE(run.nega.AdjustLocate(0, 2, 1, nullptr, nullptr));
+    CopyRun run;
+    run.process.curSubLayer = 1;
+    EXPECT_FALSE(run.process.AdjustLocate(0, 9, 9, nullptr, nullptr));
+    run.process.TargetType = CurrentLayer;
+    EXPECT_TRUE(run.process.AdjustLocate(0, 9, 1, nullptr, nullptr));
+    EXPECT_TRUE(run.process.AdjustLocate(0, 2, 0, nullptr, nullptr));
+    EXPECT_FALSE(run.process.AdjustLocate(0, 2, 1, nullptr, nullptr));
 }
 
 }  // namespace

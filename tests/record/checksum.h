@@ -1,16 +1,10 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <concepts>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <utility>
-
-#include "lib/image/pixels/rgba16.h"
-#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 
@@ -44,27 +38,5 @@ class Checksum {
     std::string group_;
     uint64_t sum_ = 0;
 };
-
-/// A suite that runs once for every vector form. Those that this machine cannot run are skipped,
-/// visibly.
-class RecordTest : public testing::TestWithParam<SimdLevel> {
-  protected:
-    void SetUp() override {
-        if (GetParam() > SupportedSimdLevel()) {
-            GTEST_SKIP() << "this machine does not run these instructions";
-        }
-        form_.emplace(GetParam());
-    }
-
-  private:
-    std::optional<ScopedSimdLevel> form_;
-};
-
-inline const auto kForms = testing::Values(SimdLevel::Scalar, SimdLevel::Avx2, SimdLevel::Avx512);
-
-inline std::string FormName(const testing::TestParamInfo<SimdLevel>& form) {
-    static constexpr const char* kNames[] = {"Scalar", "Avx2", "Avx512"};
-    return kNames[static_cast<int>(form.param)];
-}
 
 }  // namespace imgbasic

@@ -8,6 +8,7 @@
 #include "plugin/imgbasic/gray.h"
 #include "plugin/imgbasic/mono.h"
 #include "plugin/imgbasic/scaling.h"
+#include "tests/image/kernel_test.h"
 #include "tests/record/checksum.h"
 #include "tests/record/pictures.h"
 
@@ -169,7 +170,7 @@ struct Walk {
     }
 };
 
-class FilterRecord : public RecordTest {};
+class FilterRecord : public KernelTest {};
 
 SetOptions Gray(int32_t calcMode, int32_t colorMode) {
     return [=](ImageProcess& process) {

@@ -35,9 +35,9 @@ uint16_t EdgeValue(uint64_t bits) {
 
 }  // namespace
 
-Picture MakePicture(int32_t width, int32_t height, size_t kind) {
+Picture MakePicture(int32_t width, int32_t height, size_t kind, uint64_t seed) {
     Picture picture{width, height, {}};
-    SplitMix random(static_cast<uint64_t>(width * 1000 + height) * kKinds + kind);
+    SplitMix random(static_cast<uint64_t>(width * 1000 + height) * kKinds + kind + (seed << 32));
     for (int32_t y = 0; y < height; ++y) {
         for (int32_t x = 0; x < width; ++x) {
             const uint64_t bits = random.Next();

@@ -35,12 +35,13 @@ struct Picture {
     std::vector<RGBA16> pixels;
 };
 
-/// Opaque, soft-edged and translucent photo, few colours, noise, values at the edges of the scale.
+/// Photos; an image of few colours; any values; values at the edges of the scale.
+enum Kind { Opaque, SoftEdged, Translucent, FewColors, Noise, Edges };
 constexpr size_t kKinds = 6;
 /// The last one is so large that results of it are written past the caches.
 constexpr size_t kSizes = 9;
 
-Picture MakePicture(int32_t width, int32_t height, size_t kind);
+Picture MakePicture(int32_t width, int32_t height, size_t kind, uint64_t seed = 0);
 
 /// All kinds of all sizes from 1 x 1 up, those of one size in a row.
 std::span<const Picture> AllPictures();

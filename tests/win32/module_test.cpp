@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "plugin/imgbasic/entry.h"
+#include "plugin/imgbasic/process.h"
 
 // After the system's own header.
 #include <winver.h>
@@ -12,60 +11,52 @@
 namespace imgbasic {
 namespace {
 
-class Module : public testing::Test {
-  protected:
-    Module() : handle_(LoadLibraryA("imgbasic.dll")) {}
-    ~Module() override { FreeLibrary(handle_); }
-    void SetUp() override { ASSERT_NE(handle_, nullptr); }
+TEST(Module, RunsAFilterEndToEnd) {
+    const HMODULE module = LoadLibraryA("imgbasic.dll");
+    ASSERT_NE(module, nullptr);
+    const auto find = [&]<typename Function>(Function*& function, const char* name) {
+        function =
+            reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+        ASSERT_NE(function, nullptr) << name;
+    };
+    decltype(ImagePluginPrepare2)* prepare = nullptr;
+    decltype(ImagePluginExecute4)* execute = nullptr;
+    decltype(ImagePluginAdjustScale)* adjustScale = nullptr;
+    decltype(ImagePluginDispose)* dispose = nullptr;
+    ASSERT_NO_FATAL_FAILURE(find(prepare, "ImagePluginPrepare2"));
+    ASSERT_NO_FATAL_FAILURE(find(execute, "ImagePluginExecute4"));
+    ASSERT_NO_FATAL_FAILURE(find(adjustScale, "?ImagePluginAdjustScale@@YAXPEBDPEAXHHPEAN2@Z"));
+    ASSERT_NO_FATAL_FAILURE(find(dispose, "ImagePluginDispose"));
 
-    template <typename Function>
-    Function Find(const char* name) const {
-        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle_, name)));
-    }
-
-    HMODULE handle_;
-};
-
-TEST_F(Module, HasItsThirteenExportsByName) {
-    std::istringstream names(
-        "PluginGetName ImagePluginIsSizeChange ImagePluginIsBatchEnable ImagePluginGetPhase "
-        "ImagePluginPrepare2 ImagePluginBatchPrepare ImagePluginDialog ImagePluginPhase2 "
-        "ImagePluginExecute4 ?ImagePluginAdjustScale@@YAXPEBDPEAXHHPEAN2@Z "
-        "ImagePluginAdjustLocate2 ImagePluginDispose ImagePluginBatchDispose");
-    for (std::string name; names >> name;) {
-        EXPECT_NE(GetProcAddress(handle_, name.c_str()), nullptr) << name;
-    }
-}
-
-TEST_F(Module, RunsAFilterEndToEnd) {
-    ImageProcess* object = Find<decltype(&ImagePluginPrepare2)>("ImagePluginPrepare2")(
-        "nega", 3, 2, 0, 0, -1, 0, 0, 0, nullptr, 0, nullptr);
-    ASSERT_NE(object, nullptr);
+    ImageProcess* nega = prepare("nega", 3, 2, 0, 0, -1, 0, 0, 0, nullptr, 0, nullptr);
     const std::vector<RGBA16> merged(6, RGBA16{0xFF00, 0, 0x1200, 0x8000});
+    nega->mergedImage = merged.data();
     std::vector<RGBA16> result(6);
     RECT area{};
-    EXPECT_EQ(Find<decltype(&ImagePluginPhase2)>("ImagePluginPhase2")(
-                  "nega", object, 0, nullptr, nullptr,
-                  reinterpret_cast<const uint16_t*>(merged.data()), 0, 0, nullptr),
-              1);
-    EXPECT_TRUE(Find<decltype(&ImagePluginExecute4)>("ImagePluginExecute4")(
-        "nega", object, 0, 0, -1, 0, result.data(), &area, nullptr, nullptr, false, nullptr,
-        nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_TRUE(execute("nega", nega, 0, 0, -1, 0, result.data(), &area, nullptr, nullptr, false,
+                        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(result, std::vector<RGBA16>(6, RGBA16{0, 0xFF00, 0xED00, 0x8000}));
     EXPECT_EQ(area.right, 3);
-    EXPECT_EQ(area.bottom, 2);
-    EXPECT_TRUE(Find<decltype(&ImagePluginDispose)>("ImagePluginDispose")("nega", object));
+    EXPECT_TRUE(dispose("nega", nega));
+
+    ImageProcess* scaling = prepare("scaling", 3, 2, 0, 0, -1, 0, 0, 0, nullptr, 0, nullptr);
+    double x = 7;
+    double y = 7;
+    adjustScale("scaling", scaling, 0, 0, &x, &y);
+    EXPECT_EQ(x, 1) << "the size is the old one while none is set";
+    EXPECT_TRUE(dispose("scaling", scaling));
+    FreeLibrary(module);
 }
 
-TEST_F(Module, TellsItsVersion) {
+TEST(Module, TellsItsVersion) {
     std::vector<char> data(GetFileVersionInfoSizeA("imgbasic.dll", nullptr));
     ASSERT_TRUE(
         GetFileVersionInfoA("imgbasic.dll", 0, static_cast<DWORD>(data.size()), data.data()));
     void* text = nullptr;
     UINT length = 0;
-    ASSERT_TRUE(VerQueryValueW(data.data(), L"\\StringFileInfo\\041104B0\\FileDescription", &text,
-                               &length));
-    EXPECT_STREQ(static_cast<const wchar_t*>(text), L"基本画像フィルター");
+    ASSERT_TRUE(
+        VerQueryValueA(data.data(), "\\StringFileInfo\\041104B0\\FileVersion", &text, &length));
+    EXPECT_STREQ(static_cast<const char*>(text), IMGBASIC_VERSION);
 }
 
 }  // namespace
