@@ -120,7 +120,9 @@ struct Walk {
                                     &out[2], &out[3], &out[4], layerName));
         sum.Add(written.left, written.top, written.right, written.bottom);
         sum.AddEach(out);
-        sum.AddEach(layerName);
+        for (const char c : layerName) {
+            sum.Add(static_cast<signed char>(c));
+        }
         sum.AddEach(dst);
         return out[0];
     }
