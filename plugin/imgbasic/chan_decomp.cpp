@@ -1,5 +1,7 @@
 #include "plugin/imgbasic/chan_decomp.h"
 
+#include <cstring>
+
 #include "lib/base/shift_jis.h"
 #include "lib/image/point/channels.h"
 #include "plugin/imgbasic/channel_layer_name.h"
@@ -40,10 +42,21 @@ void Advance(int32_t& position) {
     position = static_cast<int32_t>(static_cast<uint32_t>(position) + 1);
 }
 
+/// Puts the tag before the name in the host's buffer, which holds both once the name is cut.
+/// In place: by now the visit counts as answered, so that nothing may fail any more.
+void PutTagBefore(char* buffer, std::string_view tag) {
+    static_assert(kChannelTagLength + kNameLimit - 1 < kLayerNameSize);
+    if (buffer == nullptr) {
+        return;
+    }
+    const size_t kept = CutForTag(ReadLayerName(buffer)).size();
+    std::memmove(buffer + tag.size(), buffer, kept);
+    tag.copy(buffer, tag.size());
+    buffer[tag.size() + kept] = '\0';
+}
+
 void DescribeLayer(const ExecuteArgs& args, Channel channel) {
-    KVString name(kChannelTags[IndexOf(channel)]);
-    name += CutForTag(ReadLayerName(args.layerName));
-    WriteLayerName(args.layerName, name);
+    PutTagBefore(args.layerName, kChannelTags[IndexOf(channel)]);
     if (channel == Channel::A) {
         StoreThrough(args.layerMode, 1);
         return;

@@ -78,15 +78,23 @@ int ChannelMergeImageProcess::Phase(int phase, uint32_t* /*newWidth*/, uint32_t*
     if (current_ < 0) {
         return 0;
     }
-    if (!FindChannels() || !IsAlphaLast()) {
-        return -2;
+    // Not yet the object's: without memory the phase can be asked for again.
+    Slots slots = slots_;
+    const bool valid = FindChannels(slots) && IsAlphaLast(slots);
+    if (valid && !MakeWorkImage()) {
+        return 0;
     }
+    slots_ = slots;
+    return valid ? KeepMergedImage(merged) : -2;
+}
+
+bool ChannelMergeImageProcess::MakeWorkImage() {
     workImage_.reset();  // before the next one is allocated, not after
     const size_t pixels = PixelCount(width, height);
     if (pixels <= SIZE_MAX / sizeof(RGBA16)) {
         workImage_ = AllocateZeroed(pixels * sizeof(RGBA16));
     }
-    return workImage_ == nullptr && pixels > 0 ? 0 : KeepMergedImage(merged);
+    return workImage_ != nullptr || pixels == 0;
 }
 
 bool ChannelMergeImageProcess::Execute(const ExecuteArgs& args) {
@@ -127,14 +135,14 @@ bool ChannelMergeImageProcess::Refuse(Message message, const Text& argument) con
     return false;
 }
 
-bool ChannelMergeImageProcess::FindChannels() {
+bool ChannelMergeImageProcess::FindChannels(Slots& slots) {
     const LayerData& own = layers_[static_cast<size_t>(current_)];
     const auto ownChannel = TaggedChannel(own.name);
     if (!ownChannel) {
         return Refuse(Message::NotAChannelImage);
     }
     const std::string_view baseName = WithoutTag(own.name);
-    slots_[IndexOf(*ownChannel)] = current_;
+    slots[IndexOf(*ownChannel)] = current_;
     union_ = own.rect;
     int missing = 3;
     for (const LayerData& layer : layers_) {
@@ -145,14 +153,14 @@ bool ChannelMergeImageProcess::FindChannels() {
         if (!channel || WithoutTag(layer.name) != baseName) {
             continue;
         }
-        if (slots_[IndexOf(*channel)] >= 0) {
+        if (slots[IndexOf(*channel)] >= 0) {
             return Refuse(Message::DuplicateChannelImage, NameOf(*channel));
         }
         // Never so while layers at other levels are passed over above.
         if (!IsAtOwnLevel(layer)) {
             return Refuse(Message::ChannelImageAtOtherLevel, NameOf(*channel));
         }
-        slots_[IndexOf(*channel)] = static_cast<int32_t>(&layer - layers_.data());
+        slots[IndexOf(*channel)] = static_cast<int32_t>(&layer - layers_.data());
         Join(union_, layer.rect);
         if (--missing == 0) {
             return true;
@@ -165,9 +173,9 @@ bool ChannelMergeImageProcess::IsAtOwnLevel(const LayerData& layer) const {
     return curSubLayer >= 0 ? layer.index == curLayer && layer.subIndex >= 0 : layer.subIndex < 0;
 }
 
-bool ChannelMergeImageProcess::IsAlphaLast() const {
-    const int32_t last = *std::max_element(slots_.begin(), slots_.end());
-    return last == slots_[IndexOf(Channel::A)] || Refuse(Message::AlphaMustBeBelow);
+bool ChannelMergeImageProcess::IsAlphaLast(const Slots& slots) const {
+    const int32_t last = *std::max_element(slots.begin(), slots.end());
+    return last == slots[IndexOf(Channel::A)] || Refuse(Message::AlphaMustBeBelow);
 }
 
 void ChannelMergeImageProcess::MergeLayer(const ExecuteArgs& args) {

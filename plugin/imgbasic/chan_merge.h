@@ -28,10 +28,15 @@ class ChannelMergeImageProcess final : public ImageProcess {
     bool Dispose() override;
 
   private:
+    /// Place in `layers_` of each channel's layer; -1 for none, or none any more.
+    using Slots = std::array<int32_t, 4>;
+    static constexpr Slots kNoSlots{-1, -1, -1, -1};
+
     void CollectLayer(const ExecuteArgs& args);
-    bool FindChannels();
+    bool FindChannels(Slots& slots);
     bool IsAtOwnLevel(const LayerData& layer) const;
-    bool IsAlphaLast() const;
+    bool IsAlphaLast(const Slots& slots) const;
+    bool MakeWorkImage();
     bool Refuse(texts::Message message, const Text& argument = {"", ""}) const;
     void MergeLayer(const ExecuteArgs& args);
     std::optional<Channel> ChannelAt(int32_t layer, int32_t subLayer) const;
@@ -40,10 +45,6 @@ class ChannelMergeImageProcess final : public ImageProcess {
     void HandOver(const ExecuteArgs& args) const;
 
     RGBA16* WorkPixels() const { return reinterpret_cast<RGBA16*>(workImage_.get()); }
-
-    /// Place in `layers_` of each channel's layer; -1 for none, or none any more.
-    using Slots = std::array<int32_t, 4>;
-    static constexpr Slots kNoSlots{-1, -1, -1, -1};
 
     KVArray<LayerData> layers_;  ///< in the order in which the host showed them
     int32_t current_ = -1;       ///< place in `layers_` of the host's current layer

@@ -6,7 +6,7 @@
 
 namespace imgbasic {
 
-KVString ReadLayerName(const char* buffer) {
+std::string_view ReadLayerName(const char* buffer) {
     if (buffer == nullptr) {
         return {};
     }

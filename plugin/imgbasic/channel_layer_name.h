@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "lib/base/kv_string.h"
-
 namespace imgbasic {
 
 /// What the name of a layer that holds one channel begins with, in the order of Channel.
@@ -13,7 +11,7 @@ constexpr size_t kChannelTagLength = 3;
 
 /// The name in a host's buffer of kLayerNameSize bytes, which may lack the terminator; empty for
 /// a null buffer.
-KVString ReadLayerName(const char* buffer);
+std::string_view ReadLayerName(const char* buffer);
 
 /// Writes `name`, cut to the buffer's kLayerNameSize bytes with the terminator; nothing to a null
 /// buffer.

@@ -114,12 +114,16 @@ TEST(ChannelMerge, OutlivesBrokenRuns) {
         << "its own layer was never shown";
     for (const int32_t size : {INT_MAX, 100, 0}) {
         process.width = process.height = size;
+        const bool possible = size != INT_MAX;
         EXPECT_EQ(CheckLayers(
                       process,
                       {{0, -1, "[R]Sky"}, {1, -1, "[G]Sky"}, {2, -1, "[B]Sky"}, {3, -1, "[A]Sky"}}),
-                  size == INT_MAX ? 0 : 1)
+                  possible ? 1 : 0)
             << "more memory than there is";
-        EXPECT_EQ(process.Phase(1, nullptr, nullptr, nullptr, 0, 0, nullptr), -2);
+        EXPECT_EQ(process.Phase(1, nullptr, nullptr, nullptr, 0, 0, nullptr), possible ? -2 : 0);
+        if (!possible) {
+            continue;
+        }
         EXPECT_EQ(message, std::string("\x97\xCE") +
                                (texts::Of(texts::Message::DuplicateChannelImage).shiftJis + 2));
     }
