@@ -7,7 +7,7 @@ namespace imgbasic {
 
 void KVWin32DialogBaseItem::Enable(bool enabled) {
     enabled_ = enabled;
-    EnableWindow(control_, enabled);
+    EnableControl(control_, enabled);
 }
 
 bool KVWin32DialogBaseItem::OnInitDialog(KVWin32DialogWindow* dialog) {
@@ -28,6 +28,15 @@ bool KVWin32DialogBaseItem::OnInitDialog(KVWin32DialogWindow* dialog) {
 
 bool KVWin32DialogBaseItem::HandleMessage(UINT /*message*/, WPARAM /*wParam*/, LPARAM /*lParam*/) {
     return false;
+}
+
+void KVWin32DialogBaseItem::EnableControl(HWND control, bool enabled) const {
+    if (!enabled && control != nullptr && GetFocus() == control) {
+        // A disabled control keeps the focus, but keys no longer reach it, nor through it the
+        // dialog.
+        SendMessageW(dialog_->Dialog(), WM_NEXTDLGCTL, 0, FALSE);
+    }
+    EnableWindow(control, enabled);
 }
 
 HWND KVWin32DialogBaseItem::Find(int id) const {

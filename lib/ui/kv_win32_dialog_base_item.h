@@ -43,6 +43,8 @@ class KVWin32DialogBaseItem {
     HWND Control() const { return control_; }
     /// A control of the dialog; null if it has none with this identifier.
     HWND Find(int id) const;
+    /// Enables or disables a control; the focus moves on from one that is disabled.
+    void EnableControl(HWND control, bool enabled) const;
     void NotifyChange(ItemChangeFlag flag, int32_t value);
 
   private:

@@ -9,7 +9,7 @@ namespace imgbasic {
 void KVWin32DialogItemAutoRadioButton::Enable(bool enabled) {
     KVWin32DialogItem::Enable(enabled);
     for (int id = Id() + 1; id <= lastId_; ++id) {
-        EnableWindow(Find(id), enabled);
+        EnableControl(Find(id), enabled);
     }
 }
 

@@ -48,8 +48,15 @@ bool KVWin32DialogItemComboBox::HandleMessage(UINT message, WPARAM wParam, LPARA
     if (message != WM_COMMAND || LOWORD(wParam) != Id()) {
         return false;
     }
-    if (HIWORD(wParam) == CBN_SELCHANGE) {
-        TellChange(kChangedByUser);
+    switch (HIWORD(wParam)) {
+        case CBN_SELCHANGE:
+        // An open list that is left by Escape takes its selection back without a word.
+        case CBN_SELENDCANCEL:
+        case CBN_CLOSEUP:
+            TellChange(kChangedByUser);
+            break;
+        default:
+            break;
     }
     return true;
 }

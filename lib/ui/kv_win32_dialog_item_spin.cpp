@@ -47,7 +47,7 @@ KVWin32DialogItemSpin::KVWin32DialogItemSpin(int id, int32_t initial, int32_t mi
 
 void KVWin32DialogItemSpin::Enable(bool enabled) {
     KVWin32DialogItem::Enable(enabled);
-    EnableWindow(edit_, enabled);
+    EnableControl(edit_, enabled);
 }
 
 bool KVWin32DialogItemSpin::OnInitDialog(KVWin32DialogWindow* dialog) {

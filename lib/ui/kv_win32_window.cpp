@@ -10,6 +10,15 @@ namespace {
 /// Before its contents are known; large enough for the system not to squeeze the frame.
 constexpr int kFirstSize = 500;
 
+/// The corner of the owner's monitor. A window has the scale of the monitor on which it is
+/// created, and with it what is created inside.
+POINT FirstPlace(HWND owner) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    return {monitor.rcWork.left, monitor.rcWork.top};
+}
+
 }  // namespace
 
 KVWin32Window::~KVWin32Window() {
@@ -54,9 +63,10 @@ bool KVWin32Window::PreCreate(KVWin32WindowCreateInfo* info) {
     }
     className_ = info->className;
     const HWND owner = IsWindow(info->owner) ? info->owner : nullptr;
-    return CreateWindowExW(info->exStyle, className_.c_str(), info->title.c_str(), info->style, 0,
-                           0, kFirstSize, kFirstSize, owner, nullptr, ModuleInstance(),
-                           this) != nullptr;
+    const POINT place = FirstPlace(owner);
+    return CreateWindowExW(info->exStyle, className_.c_str(), info->title.c_str(), info->style,
+                           place.x, place.y, kFirstSize, kFirstSize, owner, nullptr,
+                           ModuleInstance(), this) != nullptr;
 }
 
 bool KVWin32Window::PostCreate(KVWin32WindowCreateInfo* /*info*/) {

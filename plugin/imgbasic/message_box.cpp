@@ -4,6 +4,10 @@
 #include <string>
 #include <utility>
 
+#ifdef _WIN32
+#include "lib/ui/wide_text.h"
+#endif
+
 namespace imgbasic {
 namespace {
 
@@ -24,7 +28,9 @@ std::string Format(std::string text, const char* argument) {
 
 void ShowToUser([[maybe_unused]] HWND owner, const Text& text) {
 #ifdef _WIN32
-    MessageBoxA(owner, text.shiftJis, texts::Of(texts::Message::ErrorCaption).shiftJis, MB_OK);
+    // The narrow function would read the texts in the code page of the process.
+    MessageBoxW(owner, WideFromShiftJis(text.shiftJis).c_str(),
+                WideFromShiftJis(texts::Of(texts::Message::ErrorCaption).shiftJis).c_str(), MB_OK);
 #else
     std::fprintf(stderr, "%s: %s\n", texts::Of(texts::Message::ErrorCaption).utf8, text.utf8);
 #endif

@@ -266,6 +266,34 @@ TEST_F(OneDialog, ScalingLinksAndEnablesItsFields) {
     });
 }
 
+TEST_F(OneDialog, ScalingHearsOfAListThatIsLeftByEscape) {
+    OpenScaling([](const DialogHand& hand) {
+        const HWND list = hand.Control(1333);
+        COMBOBOXINFO info{};
+        info.cbSize = sizeof info;
+        EXPECT_TRUE(GetComboBoxInfo(list, &info));
+        for (const int notification : {CBN_CLOSEUP, CBN_SELENDCANCEL}) {
+            const int selected = notification == CBN_CLOSEUP ? 0 : 2;
+            hand.Send(info.hwndList, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+            hand.Send(GetParent(list), WM_COMMAND,
+                      static_cast<WPARAM>(MAKELONG(1333, notification)),
+                      reinterpret_cast<LPARAM>(list));
+            EXPECT_EQ(hand.Look(1332), selected == 2 ? L"クリップ" : L"(クリップ)");
+        }
+        hand.Click(IDCANCEL);
+    });
+}
+
+TEST_F(OneDialog, KeepsTheKeyboardWhenTheFocusedControlIsDisabled) {
+    OpenScaling([](const DialogHand& hand) {
+        hand.Pick(1332, 1);
+        hand.Focus(1332);
+        hand.Pick(1333, 0);
+        EXPECT_EQ(hand.Focused(), 1231) << "past the box that is disabled as well";
+        hand.Key(VK_ESCAPE);
+    });
+}
+
 /// Stands for the host's window.
 class Owner {
   public:
@@ -296,6 +324,18 @@ TEST_F(OneDialog, DisablesItsOwnerForAsLongAsItIsOpen) {
             owner.Get());
         EXPECT_EQ(owner.Enabled(), before);
     }
+    // A child cannot own a window, and what it is in must not take input either.
+    EnableWindow(owner.Get(), TRUE);
+    const HWND child = CreateWindowExW(0, L"Static", L"canvas", WS_CHILD | WS_VISIBLE, 0, 0, 9, 9,
+                                       owner.Get(), nullptr, nullptr, nullptr);
+    OpenMono(
+        ScriptedHost::Callback(),
+        [&](const DialogHand& hand) {
+            EXPECT_FALSE(owner.Enabled());
+            hand.Click(IDCANCEL);
+        },
+        child);
+    EXPECT_TRUE(owner.Enabled());
     HWND gone = nullptr;
     {
         const Owner shortLived;

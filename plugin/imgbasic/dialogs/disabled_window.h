@@ -4,14 +4,15 @@
 
 namespace imgbasic {
 
-/// Keeps a window from taking input. One that took none before, or that is no window, stays as
-/// it is, and one that is gone by the end is left alone.
+/// Keeps a window, or the top-level one that it is in, from taking input. One that took none
+/// before, or that is no window, stays as it is, and one that is gone by the end is left alone.
 class DisabledWindow {
   public:
     explicit DisabledWindow(HWND window) {
-        if (IsWindow(window) && IsWindowEnabled(window)) {
-            window_ = window;
-            EnableWindow(window, FALSE);
+        const HWND root = GetAncestor(window, GA_ROOT);
+        if (IsWindow(root) && IsWindowEnabled(root)) {
+            window_ = root;
+            EnableWindow(root, FALSE);
         }
     }
     ~DisabledWindow() {
