@@ -13,11 +13,18 @@
 namespace imgbasic {
 namespace {
 
-constexpr size_t kLineSize = 1024 + 32;
+constexpr size_t kStampSize = 32;
+constexpr size_t kMessageSize = 1024;
+constexpr size_t kLineSize = kStampSize + kMessageSize;
 
 using Sink = std::function<void(std::string_view)>;
 
-std::binary_semaphore logSemaphore{1};
+/// Made by its first use, which may be before this file's variables are: other variables'
+/// initialisers log, too.
+std::binary_semaphore& LogSemaphore() {
+    static std::binary_semaphore semaphore{1};
+    return semaphore;
+}
 
 Sink& CurrentSink() {
     static Sink sink;
@@ -26,8 +33,8 @@ Sink& CurrentSink() {
 
 class LogLock {
   public:
-    LogLock() { logSemaphore.acquire(); }
-    ~LogLock() { logSemaphore.release(); }
+    LogLock() { LogSemaphore().acquire(); }
+    ~LogLock() { LogSemaphore().release(); }
     LogLock(const LogLock&) = delete;
     LogLock& operator=(const LogLock&) = delete;
 };
@@ -46,9 +53,20 @@ size_t WriteTimeStamp(char* buffer, size_t size) {
     return written > 0 ? std::min(static_cast<size_t>(written), size - 1) : 0;
 }
 
+/// Keeps the line feed of a message that was cut after `size` bytes, and no part of a character.
+void EndCutMessage(char* message, size_t size) {
+    size_t end = size - 1;
+    while (end > 0 && (message[end] & 0xC0) == 0x80) {
+        --end;
+    }
+    message[end] = '\n';
+    message[end + 1] = '\0';
+}
+
 void WriteToSystem(const char* line) {
 #ifdef _WIN32
-    // The wide function shows Japanese whatever code page the process runs in.
+    // The system hands it to most debuggers in the ANSI code page, so that Japanese arrives as
+    // question marks where that is another one than 932.
     wchar_t wide[kLineSize];
     if (MultiByteToWideChar(CP_UTF8, 0, line, -1, wide, static_cast<int>(std::size(wide))) > 0) {
         OutputDebugStringW(wide);
@@ -62,11 +80,14 @@ void WriteToSystem(const char* line) {
 
 void Log(const char* format, ...) noexcept {
     char line[kLineSize];
-    const size_t stamp = WriteTimeStamp(line, sizeof line);
+    char* const message = line + WriteTimeStamp(line, kStampSize);
     std::va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(line + stamp, sizeof line - stamp, format, arguments);
+    const int length = std::vsnprintf(message, kMessageSize, format, arguments);
     va_end(arguments);
+    if (length >= static_cast<int>(kMessageSize)) {
+        EndCutMessage(message, kMessageSize - 1);
+    }
 
     const LogLock lock;
     if (const Sink& sink = CurrentSink()) {

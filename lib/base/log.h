@@ -13,8 +13,10 @@
 namespace imgbasic {
 
 /// Writes one line, "YYYY/MM/DD HH:MM:SS : " in local time and then the formatted message, to
-/// the debugger's output on Windows and to standard error elsewhere. `format` is UTF-8 and ends
-/// in a line feed. A message of more than 1023 bytes is cut. Never throws; safe from any thread.
+/// the debugger's output on Windows, where what the ANSI code page lacks becomes question marks,
+/// and to standard error elsewhere. `format` is UTF-8 and ends in a line feed. A message of more
+/// than 1023 bytes is cut to that at most, between characters, and keeps its line feed. Never
+/// throws; safe from any thread and before main.
 [[gnu::format(IMGBASIC_PRINTF_STYLE, 1, 2)]] void Log(const char* format, ...) noexcept;
 
 /// While it lives, log lines go to `sink` instead. Captures nest; the innermost receives.
