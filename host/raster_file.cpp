@@ -42,6 +42,15 @@ std::string LastLine(const vips::VError& error) {
     return text.substr(text.rfind('\n') + 1);
 }
 
+/// The same image, its rows made by one thread. With more, libvips takes a picture for whole when
+/// one thread finds no rows left to make before another fails at the last ones, as in a truncated
+/// file. Decoders make rows in order anyway, so that nothing is lost.
+VImage OnOneThread(const VImage& image) {
+    VImage copy = image.copy();
+    copy.set(VIPS_META_CONCURRENCY, 1);
+    return copy;
+}
+
 /// Upright, 8 or 16 bits of sRGB and alpha, whatever it was.
 VImage Normalized(VImage image) {
     if (vips_image_get_orientation(image.get_image()) > 1) {
@@ -112,7 +121,7 @@ Picture Decode(const vips::VSource& source, RasterFormat format, const std::stri
                         ": has floating-point samples, which name no white; convert it to "
                         "16 bits a channel first");
     }
-    const VImage image = Normalized(file);
+    const VImage image = Normalized(OnOneThread(file));
     Picture picture;
     picture.width = image.width();
     picture.height = image.height();

@@ -17,6 +17,9 @@ using testing::Not;
 
 using ImageFile = FileTest;
 
+/// The more threads the image library has, the likelier it is that they get in each other's way.
+const int manyThreads = setenv("VIPS_CONCURRENCY", "8", 1);
+
 TEST_F(ImageFile, LosslessFormatsGiveBackEveryPixelAtTheirDepth) {
     struct Case {
         const char* name;
@@ -94,8 +97,11 @@ TEST_F(ImageFile, NoPartOfATruncatedFileIsTakenForAPicture) {
         for (const size_t percent : {1U, 5U, 30U, 60U, 90U, 99U}) {
             SCOPED_TRACE(name + ", percent: " + std::to_string(percent));
             WriteBytes(name, whole.substr(0, whole.size() * percent / 100));
-            EXPECT_THAT(LoadError(name),
-                        AllOf(HasSubstr(name), HasSubstr("; "), Not(HasSubstr("\n"))));
+            // With damage in the last rows, whether threads are in each other's way is luck.
+            for (int again = percent < 90 ? 1 : 200; again > 0; --again) {
+                ASSERT_THAT(LoadError(name),
+                            AllOf(HasSubstr(name), HasSubstr("; "), Not(HasSubstr("\n"))));
+            }
         }
     }
 }
