@@ -7,14 +7,15 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lib/base/ascii.h"
+#include "lib/base/atomic_replacement.h"
 #include "plugin/imgbasic/settings_store.h"
 
 // The store where there is no registry: one text file in the form of a registry export. Lines
@@ -69,6 +70,22 @@ class File {
     int descriptor_;
 };
 
+/// The file's text; nothing when it cannot be read or is longer than ours may be.
+std::optional<std::string> ReadText(int descriptor) {
+    std::string text(kLargestFile + 1, '\0');
+    size_t length = 0;
+    ssize_t got = 1;
+    while (got != 0 && length < text.size()) {
+        got = read(descriptor, text.data() + length, text.size() - length);
+        if (got < 0 && errno != EINTR) {
+            return std::nullopt;
+        }
+        length += got < 0 ? 0 : static_cast<size_t>(got);
+    }
+    text.resize(length);
+    return length <= kLargestFile ? std::optional(text) : std::nullopt;
+}
+
 /// The file's lines without their ends; none when there is no such file, nothing when it cannot
 /// be read or is not ours to read.
 std::optional<Lines> ReadLines(const fs::path& path) {
@@ -84,61 +101,60 @@ std::optional<Lines> ReadLines(const fs::path& path) {
     if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    std::string text(kLargestFile + 1, '\0');
-    size_t length = 0;
-    ssize_t got = 0;
-    while (length < text.size() &&
-           (got = read(file.Get(), text.data() + length, text.size() - length)) > 0) {
-        length += static_cast<size_t>(got);
-    }
-    if (got < 0 || length > kLargestFile) {
+    const auto text = ReadText(file.Get());
+    // Text in 16-bit units, as the registry's editor may export it, has zero bytes.
+    if (!text || text->find('\0') != std::string::npos) {
         return std::nullopt;
     }
-    text.resize(length);
     Lines lines;
-    for (size_t begin = 0; begin < text.size();) {
-        const size_t end = std::min(text.find('\n', begin), text.size());
-        lines.push_back(text.substr(begin, end - begin));
+    for (size_t begin = 0; begin < text->size();) {
+        const size_t end = std::min(text->find('\n', begin), text->size());
+        lines.push_back(text->substr(begin, end - begin));
         begin = end + 1;
     }
     return lines;
 }
 
-bool WriteWhole(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0) {
-            return false;
-        }
-        text.remove_prefix(static_cast<size_t>(written));
-    }
-    return fsync(descriptor) == 0;
+/// Changes the lines by `edit`; whether that made a difference.
+bool Changes(const std::function<void(Lines&)>& edit, Lines& lines) {
+    const Lines before = lines;
+    edit(lines);
+    return lines != before;
 }
 
-/// Replaces the file at once, so that whatever happens there is the old one or the new one.
-bool WriteLines(const fs::path& path, const Lines& lines) {
+/// Changes the file by `edit`; false when that is impossible.
+bool ChangeStore(const std::function<void(Lines&)>& edit) {
+    const fs::path path = FollowLinks(StorePath());
+    // Without a dialog every run confirms its options, and few runs change any; the others leave
+    // no trace.
+    auto lines = ReadLines(path);
+    if (!lines || !Changes(edit, *lines)) {
+        return lines.has_value();
+    }
+    std::error_code error;
+    fs::create_directories(path.parent_path(), error);
+    AtomicReplacement file;
+    if (file.Lock(path) != 0) {
+        return false;
+    }
+    // What another process stored before it gave the lock away is to stay.
+    lines = ReadLines(path);
+    if (!lines || !Changes(edit, *lines)) {
+        return lines.has_value();
+    }
     std::string text;
-    for (const std::string& line : lines) {
+    for (const std::string& line : *lines) {
         text += line;
         text += '\n';
     }
-    std::error_code error;
-    // A link stays a link.
-    const fs::path target = fs::is_symlink(path, error) ? fs::canonical(path, error) : path;
-    fs::create_directories(target.parent_path(), error);
-    std::string temporary = target.string() + ".XXXXXX";
-    const File file(mkstemp(temporary.data()));
-    if (file.Get() < 0) {
-        return false;
-    }
-    if (!WriteWhole(file.Get(), text) || rename(temporary.c_str(), target.c_str()) != 0) {
-        unlink(temporary.c_str());
-        return false;
-    }
-    return true;
+    return text.size() <= kLargestFile && file.Commit(text) == 0;
 }
 
 std::string_view Trimmed(std::string_view line) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (line.starts_with(kByteOrderMark)) {
+        line.remove_prefix(kByteOrderMark.size());
+    }
     constexpr std::string_view kBlank = " \t\r";
     const size_t begin = std::min(line.find_first_not_of(kBlank), line.size());
     return line.substr(begin, line.find_last_not_of(kBlank) + 1 - begin);
@@ -245,43 +261,30 @@ bool QueryStore(const char* filter, std::span<StoredNumber> values) {
 }
 
 bool WriteStore(const char* filter, std::span<const StoredNumber> values) {
-    const fs::path path = StorePath();
-    auto lines = ReadLines(path);
-    if (!lines) {
-        return false;
-    }
-    const auto before = *lines;
-    if (lines->empty()) {
-        lines->push_back(std::string(kSignature));
-    }
-    std::vector<Section> sections = SectionsOf(*lines, filter);
-    if (sections.empty()) {
-        lines->emplace_back();
-        lines->push_back(SectionLine(filter));
-        sections.push_back({lines->size(), lines->size()});
-    }
-    for (const StoredNumber& value : values) {
-        SetValue(*lines, sections.back(), value);
-    }
-    // Without a dialog every run confirms its options, and few runs change any.
-    return *lines == before || WriteLines(path, *lines);
+    return ChangeStore([&](Lines& lines) {
+        if (lines.empty()) {
+            lines.emplace_back(kSignature);
+        }
+        std::vector<Section> sections = SectionsOf(lines, filter);
+        if (sections.empty()) {
+            lines.emplace_back();
+            lines.push_back(SectionLine(filter));
+            sections.push_back({lines.size(), lines.size()});
+        }
+        for (const StoredNumber& value : values) {
+            SetValue(lines, sections.back(), value);
+        }
+    });
 }
 
 bool RemoveFromStore(const char* filter) {
-    const fs::path path = StorePath();
-    auto lines = ReadLines(path);
-    if (!lines) {
-        return false;
-    }
-    std::vector<Section> sections = SectionsOf(*lines, filter);
-    if (sections.empty()) {
-        return true;
-    }
-    for (auto section = sections.rbegin(); section != sections.rend(); ++section) {
-        const auto first = lines->begin() + static_cast<std::ptrdiff_t>(section->begin);
-        lines->erase(first - 1, lines->begin() + static_cast<std::ptrdiff_t>(section->end));
-    }
-    return WriteLines(path, *lines);
+    return ChangeStore([&](Lines& lines) {
+        const std::vector<Section> sections = SectionsOf(lines, filter);
+        for (auto section = sections.rbegin(); section != sections.rend(); ++section) {
+            const auto first = lines.begin() + static_cast<std::ptrdiff_t>(section->begin);
+            lines.erase(first - 1, lines.begin() + static_cast<std::ptrdiff_t>(section->end));
+        }
+    });
 }
 
 }  // namespace imgbasic

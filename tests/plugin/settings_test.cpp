@@ -174,7 +174,6 @@ TEST_F(Settings, FileKeepsWhatIsNotOurs) {
 TEST_F(Settings, FileMayHoldAnything) {
     const std::string heading = kMonoHeading;
     const std::string bad[] = {
-        std::string("\0\0\0[\"", 5),
         heading + "\"Threshold\"",
         heading + "\"Threshold\"=",
         heading + "\"Threshold\"=dword:",
