@@ -5,6 +5,7 @@
 #include "host/cli/filter_command.h"
 #include "host/cli/picture_change.h"
 #include "host/cli/report.h"
+#include "host/cli/settings_command.h"
 #include "host/memory_limit.h"
 
 namespace imgbasic::host {
@@ -136,6 +137,11 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
         Tell(command, job, document, result, milliseconds, report);
     }
     report.Written(job.output);
+    if (command.remember && !AreStored(command.filter, request.options)) {
+        throw JobError(
+            "was filtered, but its options could not be stored; is your configuration folder "
+            "writable?");
+    }
 }
 
 /// Does one job and reports its faults.

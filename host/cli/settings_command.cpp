@@ -1,7 +1,10 @@
 #include "host/cli/settings_command.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <map>
 #include <stdexcept>
+#include <string_view>
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/text_table.h"
@@ -32,6 +35,23 @@ void ShowSettings() {
     }
     const bool any = rows.size() > 1;
     std::fputs(any ? AlignColumns(rows).c_str() : "Nothing is stored.\n", stdout);
+}
+
+bool AreStored(const std::string& filter, std::span<const OptionValue> options) {
+    std::map<std::string_view, uint32_t> missing;
+    for (const OptionValue& given : options) {
+        if (given.option->isStored) {
+            missing[given.option->name] = static_cast<uint32_t>(given.value);
+        }
+    }
+    const auto* const row = std::ranges::find(kFilterRows, filter, &FilterRow::name);
+    for (const StoredNumber& value : ListSettings(*row)) {
+        const auto given = missing.find(value.name);
+        if (given != missing.end() && given->second == value.number) {
+            missing.erase(given);
+        }
+    }
+    return missing.empty();
 }
 
 void ResetSettings(const std::string& filter) {
