@@ -1,10 +1,10 @@
 #include "host/atomic_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <system_error>
 
@@ -13,79 +13,78 @@
 namespace imgbasic::host {
 namespace fs = std::filesystem;
 
-AtomicFile::AtomicFile(const fs::path& path, bool overwrite) : shown_(path), target_(path) {
-    std::error_code ignored;
-    // A link to nothing is something, too.
-    if (fs::exists(fs::symlink_status(path, ignored))) {
-        if (!fs::is_regular_file(path, ignored)) {
-            throw FileError(path.string() +
-                            ": is not a file that can be replaced; choose another "
-                            "name for the output");
-        }
-        if (!overwrite) {
-            throw FileError(path.string() +
-                            ": exists already; choose another name or allow overwriting");
-        }
-        target_ = fs::canonical(path, ignored);
+namespace {
+
+/// What a signal's handler removes; null when there is nothing. Outputs are written one by one.
+std::atomic<const char*> begun = nullptr;
+static_assert(std::atomic<const char*>::is_always_lock_free, "a handler may use nothing else");
+
+extern "C" void RemoveBegunOutput(int signal) {
+    if (const char* const temporary = begun) {
+        unlink(temporary);
     }
-    const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
+    // Whoever started the process learns which signal ended it.
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+}  // namespace
+
+void RemoveBegunOutputOnSignals() {
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGXFSZ}) {
+        // What is ignored, as under nohup, stays so.
+        if (std::signal(signal, RemoveBegunOutput) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
+AtomicFile::AtomicFile(const fs::path& path, bool overwrite) : shown_(path) {
+    std::error_code ignored;
+    const fs::path target = FollowLinks(path);
+    // A link to nothing is something, too.
+    const bool exists = fs::exists(fs::symlink_status(path, ignored));
+    if (fs::exists(target, ignored) && !fs::is_regular_file(target, ignored)) {
+        throw FileError(path.string() +
+                        ": is not a file that can be replaced; choose another name for the "
+                        "output");
+    }
+    if (exists && !overwrite) {
+        Fail(EEXIST);
+    }
+    if (IsReadOnly(target)) {
+        throw FileError(path.string() +
+                        ": is read-only; make it writable or choose another name for the output");
+    }
+    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     if (!fs::is_directory(folder, ignored)) {
         throw FileError(path.string() + ": there is no folder " + folder.string() +
                         "; create it or choose another one");
     }
-    // Unique among the processes that write here; within one, files are written one by one.
-    std::string name = target_.filename().string().substr(0, 200);
-    name.append(".").append(std::to_string(getpid())).append(".tmp");
-    const fs::path temporary = folder / name;
-    fs::remove(temporary, ignored);
-    descriptor_ = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor_ < 0) {
-        Fail(errno);
+    using Existing = AtomicReplacement::Existing;
+    if (const int error = file_.Begin(target, overwrite ? Existing::Replaced : Existing::Refused)) {
+        Fail(error);
     }
-    temporary_ = temporary;
-    // What replaces a private file stays private.
-    struct stat replaced {};
-    if (stat(target_.c_str(), &replaced) == 0) {
-        fchmod(descriptor_, replaced.st_mode & 07777);
-    }
+    begun = file_.temporary();
 }
 
 AtomicFile::~AtomicFile() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-    if (!temporary_.empty()) {
-        std::error_code ignored;
-        fs::remove(temporary_, ignored);
-    }
+    begun = nullptr;
 }
 
 void AtomicFile::Commit(std::span<const std::byte> content) {
-    while (!content.empty()) {
-        const ssize_t written = write(descriptor_, content.data(), content.size());
-        if (written < 0 && errno != EINTR) {
-            Fail(errno);
-        }
-        content = content.subspan(written < 0 ? 0 : static_cast<size_t>(written));
+    if (const int error =
+            file_.Commit({reinterpret_cast<const char*>(content.data()), content.size()})) {
+        Fail(error);
     }
-    // Without it a crash of the system could leave the new name with no content.
-    if (fsync(descriptor_) != 0 && errno != EINVAL) {
-        Fail(errno);
-    }
-    const int descriptor = descriptor_;
-    descriptor_ = -1;
-    if (close(descriptor) != 0) {
-        Fail(errno);
-    }
-    std::error_code error;
-    fs::rename(temporary_, target_, error);
-    if (error) {
-        Fail(error.value());
-    }
-    temporary_.clear();
+    begun = nullptr;
 }
 
 void AtomicFile::Fail(int error) const {
+    if (error == EEXIST) {
+        throw FileError(shown_.string() +
+                        ": exists already; choose another name or allow overwriting");
+    }
     const char* const wayOut =
         error == ENOSPC || error == EDQUOT
             ? "; make room there or choose another folder"

@@ -4,10 +4,11 @@
 #include <filesystem>
 #include <span>
 
+#include "lib/base/atomic_replacement.h"
+
 namespace imgbasic::host {
 
-/// A file that appears under its name whole or not at all: it is written beside its place and
-/// renamed. Throws FileError.
+/// An output, which appears under its name whole or not at all. Throws FileError.
 class AtomicFile {
   public:
     /// Reserves the place, so that what forbids writing is found before the work for it is done.
@@ -18,16 +19,18 @@ class AtomicFile {
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Writes the whole content and lets it appear; at most once.
+    /// Writes the whole content and lets it appear; at most once. Without `overwrite`, a file that
+    /// has come into being since stays.
     void Commit(std::span<const std::byte> content);
 
   private:
     [[noreturn]] void Fail(int error) const;
 
-    std::filesystem::path shown_;      ///< as the user named it
-    std::filesystem::path target_;     ///< where links lead
-    std::filesystem::path temporary_;  ///< empty when there is none (any more)
-    int descriptor_ = -1;
+    std::filesystem::path shown_;  ///< as the user named it
+    AtomicReplacement file_;
 };
+
+/// From here on a signal that ends the process removes an output that was begun.
+void RemoveBegunOutputOnSignals();
 
 }  // namespace imgbasic::host

@@ -1,5 +1,6 @@
 #include "host/cli/file_jobs.h"
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,6 +23,7 @@ class Workers {
     size_t count() const { return jobs_.size(); }
 
     bool Start(const FileJob& job) {
+        const pid_t parent = getpid();
         const pid_t child = fork();
         if (child < 0) {
             report_.Error(job.input.string() + ": no worker process can be started (" +
@@ -29,6 +31,11 @@ class Workers {
             return false;
         }
         if (child == 0) {
+            // A worker goes along with the process that it works for, however that ends.
+            prctl(PR_SET_PDEATHSIG, SIGTERM);
+            if (getppid() != parent) {
+                _exit(EXIT_FAILURE);
+            }
             // The other workers keep the processors busy; the image library's threads would only
             // compete with them.
             setenv("VIPS_CONCURRENCY", "1", 0);

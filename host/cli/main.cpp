@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "host/atomic_file.h"
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
 #include "host/cli/report.h"
@@ -109,6 +110,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     using namespace imgbasic::host;
     const Report report(false);
+    RemoveBegunOutputOnSignals();
     try {
         return Run(argc, argv);
     } catch (const UsageError& fault) {

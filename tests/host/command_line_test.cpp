@@ -25,7 +25,8 @@ class CommandLine : public FileTest {
         static const std::string program =
             std::filesystem::read_symlink("/proc/self/exe").parent_path() / "imgbasic";
         const std::string command = "cd '" + Path("").string() + "' && { " + arguments + "; }";
-        const std::string shell = "imgbasic() { '" + program + "' \"$@\"; }; { " + command +
+        const std::string shell = "program='" + program +
+                                  "'; imgbasic() { \"$program\" \"$@\"; }; { " + command +
                                   "; } 2>'" + ErrorPath() + "'";
         Result result;
         FILE* pipe = popen(shell.c_str(), "r");
@@ -97,6 +98,16 @@ TEST_F(CommandLine, ReportsAWorkerThatDies) {
     EXPECT_THAT(result.out, HasSubstr("imgbasic: a.png: the worker process died"));
     EXPECT_THAT(result.out, HasSubstr("imgbasic: b.png: the worker process died"));
     EXPECT_THAT(result.out, testing::EndsWith("\n1\n"));
+}
+
+TEST_F(CommandLine, ATerminatedRunTakesItsWorkersAlong) {
+    // The workers wait for pipes that nobody writes to; `held` ends when nobody holds it open.
+    const Result result = Run(
+        "mkfifo a.png b.png held; \"$program\" nega a.png b.png -o out/ --jobs 2 >held & "
+        "parent=$!; exec 3<held; until set -- $(cat /proc/$parent/task/$parent/children) && "
+        "[ $# = 2 ]; do :; done; kill $parent; wait $parent; echo $?; timeout 10 cat <&3; echo $?; "
+        "kill -KILL $1 $2");
+    EXPECT_EQ(result.out, "143\n0\n") << "the second is 124 when workers go on";
 }
 
 TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
