@@ -48,9 +48,6 @@ bool ProcessTarget(const ImageProcess& process, const ExecuteArgs& args, TargetA
             if (process.mergedImage == nullptr) {
                 return false;
             }
-            if (announce == MergedResult::Announced) {
-                StoreThrough(args.resultKind, 1);
-            }
             source = process.mergedImage;
             area = &image;
             break;
@@ -59,7 +56,13 @@ bool ProcessTarget(const ImageProcess& process, const ExecuteArgs& args, TargetA
         *args.outRect = *area;
     }
     const PixelRect rect = ClippedTo(process, *area);
-    return source == nullptr || rect.IsEmpty() || operation(source, rect);
+    if (source != nullptr && !rect.IsEmpty() && !operation(source, rect)) {
+        return false;
+    }
+    if (action == TargetAction::ProcessMerged && announce == MergedResult::Announced) {
+        StoreThrough(args.resultKind, 1);
+    }
+    return true;
 }
 
 /// The Execute of a point filter: runs `row(dst, src, count, store)` (see ForEachRun) over the

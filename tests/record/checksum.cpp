@@ -54,7 +54,7 @@ constexpr Row kRecorded[] = {
     {"col_reduce, dither 3, graduated", 0xb2a15939dfec95b8},
     {"col_reduce, dither 3, graduated, shared", 0xfbe2c535f01fe200},
     {"col_reduce, targets", 0xf1d0a1fd09ab7a15},
-    {"col_reduce, unusual options", 0x70a8b4b59d215a82},
+    {"col_reduce, unusual options", 0xe8f490fb3e582428},
     {"scaling, InterType 0", 0x743852a65192826e},
     {"scaling, InterType 1", 0xa5d5ef5832f57be2},
     {"scaling, InterType 3", 0x66452a41a664a7a0},
