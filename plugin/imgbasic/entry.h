@@ -36,8 +36,9 @@ IMGBASIC_EXPORT imgbasic::ImageProcess* ImagePluginPrepare2(const char* name, in
                                                             imgbasic::ImageProcess* reference);
 
 /// A new filter object for a batch run with its options settled, to be ended by
-/// ImagePluginBatchDispose; null when the name is unknown, the filter has no batch use, or the
-/// user cancelled, which alone stores 1 through `cancelled`. Throws std::bad_alloc.
+/// ImagePluginBatchDispose; null when the name is unknown, the filter has no batch use, another
+/// dialog is open, or the user cancelled, which alone stores 1 through `cancelled`. Throws
+/// std::bad_alloc.
 IMGBASIC_EXPORT imgbasic::ImageProcess* ImagePluginBatchPrepare(const char* name, HWND ownerWindow,
                                                                 int* cancelled);
 

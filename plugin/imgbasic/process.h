@@ -48,10 +48,12 @@ class ImageProcess {
     ImageProcess& operator=(const ImageProcess&) = delete;
 
     virtual ~ImageProcess() = default;
-    /// Settles the options for a batch run: 1 go on, 0 no batch use, -1 cancelled.
+    /// Settles the options for a batch run: 1 go on, -1 cancelled, 0 no batch use, or another
+    /// dialog is open.
     virtual int BatchPrepare() = 0;
     virtual bool BatchDispose() = 0;
-    /// Settles the options interactively: 1 confirmed, -1 cancelled, 0 refused by `apply`.
+    /// Settles the options interactively: 1 confirmed, -1 cancelled, 0 refused by `apply`, or since
+    /// another dialog is open.
     virtual int Dialog(ApplyCallback apply) = 0;
     /// Begins a phase: 1 go on, -1 nothing to do, 0 impossible, -2 failed after a message.
     virtual int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged,

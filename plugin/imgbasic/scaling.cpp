@@ -25,7 +25,7 @@ int ScalingImageProcess::BatchPrepare() {
     applyCallback = nullptr;
     width = 512;
     height = 512;
-    return RunOptionsDialog(*this) ? 1 : -1;
+    return RunOptionsDialog(*this);
 }
 
 bool ScalingImageProcess::BatchDispose() {
@@ -40,7 +40,7 @@ int ScalingImageProcess::Dialog(ApplyCallback apply) {
         }
         return ApplyNow();
     }
-    return RunOptionsDialog(*this) ? 1 : -1;
+    return RunOptionsDialog(*this);
 }
 
 int ScalingImageProcess::Phase(int /*phase*/, uint32_t* resultWidth, uint32_t* resultHeight,

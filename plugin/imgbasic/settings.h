@@ -14,7 +14,7 @@ namespace imgbasic {
 void LoadSettings(ImageProcess& process, const FilterRow& filter);
 
 /// Stores the object's options. A store that cannot be written is not reported.
-void SaveSettings(const ImageProcess& process, const FilterRow& filter);
+void SaveSettings(const ImageProcess& process, const FilterRow& filter) noexcept;
 
 /// The options that are stored for the filter, unchecked, in the order in which they are written.
 std::vector<StoredNumber> ListSettings(const FilterRow& filter);

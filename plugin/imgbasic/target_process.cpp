@@ -11,7 +11,7 @@ int TargetImageProcess::BatchPrepare() {
     if (Row().batch == BatchUse::Unasked) {
         return 1;
     }
-    return RunOptionsDialog(*this, Row()) ? 1 : -1;
+    return RunOptionsDialog(*this, Row());
 }
 
 bool TargetImageProcess::BatchDispose() {
@@ -21,7 +21,7 @@ bool TargetImageProcess::BatchDispose() {
 int TargetImageProcess::Dialog(ApplyCallback apply) {
     applyCallback = apply;
     if (reference == nullptr) {
-        return RunOptionsDialog(*this, Row()) ? 1 : -1;
+        return RunOptionsDialog(*this, Row());
     }
     if (Row().repeatsOptions) {
         TakeOptionsFrom(*reference);

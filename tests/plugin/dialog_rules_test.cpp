@@ -163,22 +163,22 @@ TEST(UnseenDialog, AsksTheHostOnceAndStoresWhatItAgreedTo) {
     mono.Threshold = 77;
     const FilterRow& row = kRow<MonoImageProcess>;
     const Host host(&mono);
-    EXPECT_TRUE(RunOptionsDialog(mono, row));
+    EXPECT_EQ(RunOptionsDialog(mono, row), 1);
     EXPECT_TRUE(ListSettings(row).empty()) << "without a host nothing is written";
     mono.applyCallback = Host::Refuse;
-    EXPECT_FALSE(RunOptionsDialog(mono, row));
+    EXPECT_EQ(RunOptionsDialog(mono, row), -1);
     EXPECT_TRUE(ListSettings(row).empty());
     mono.applyCallback = Host::Agree;
-    EXPECT_TRUE(RunOptionsDialog(mono, row));
+    EXPECT_EQ(RunOptionsDialog(mono, row), 1);
     EXPECT_EQ(Host::thresholds, (std::vector<int32_t>{77, 77}));
 
     MonoImageProcess next;
-    EXPECT_TRUE(RunOptionsDialog(next, row));
+    EXPECT_EQ(RunOptionsDialog(next, row), 1);
     EXPECT_EQ(next.Threshold, 77);
 
     ScalingImageProcess scaling;
     scaling.width = 200;
-    EXPECT_TRUE(RunOptionsDialog(scaling));
+    EXPECT_EQ(RunOptionsDialog(scaling), 1);
     EXPECT_EQ(scaling.newWidth, 200);
 }
 

@@ -4,7 +4,10 @@
 
 #include <cctype>
 #include <memory>
+#include <numeric>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "plugin/imgbasic/filter_table.h"
@@ -168,6 +171,93 @@ TEST(Entry, RepeatsAFilterWithTheOptionsOfItsReference) {
         ImagePluginDispose(c.filter, object);
         ImagePluginDispose(c.referenced, reference);
     }
+}
+
+TEST(Entry, OpensOneDialogAtATime) {
+    ImageProcess* outer = Prepare("gray");
+    const auto nested = [] {
+        ImageProcess* inner = Prepare("mono");
+        EXPECT_EQ(ImagePluginDialog("mono", inner, Agree), 0);
+        ImagePluginDispose("mono", inner);
+        int cancelled = 5;
+        EXPECT_EQ(ImagePluginBatchPrepare("scaling", nullptr, &cancelled), nullptr);
+        EXPECT_EQ(cancelled, 5) << "nobody did";
+        return true;
+    };
+    EXPECT_EQ(ImagePluginDialog("gray", outer, [] { return throw 1, true; }), 0);
+    EXPECT_EQ(ImagePluginDialog("gray", outer, nested), 1);
+    EXPECT_EQ(ImagePluginDialog("gray", outer, Refuse), -1);
+    EXPECT_EQ(ImagePluginDialog("gray", outer, Agree), 1);
+    ImagePluginDispose("gray", outer);
+}
+
+/// Keeps what it is handed, as numbers.
+class RecordingProcess final : public ImageProcess {
+  public:
+    std::vector<uint64_t> heard;
+
+    template <typename Value>
+    static uint64_t Number(Value value) {
+        if constexpr (std::is_pointer_v<Value>) {
+            return reinterpret_cast<uintptr_t>(value);
+        } else {
+            return static_cast<uint64_t>(value);
+        }
+    }
+    template <typename... Values>
+    void Hear(Values... values) {
+        heard = {Number(values)...};
+    }
+    int BatchPrepare() override { return 0; }
+    bool BatchDispose() override { return false; }
+    int Dialog(ApplyCallback apply) override { return Hear(apply), 1; }
+    int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged, uint64_t u1,
+              uint64_t u2, uint32_t* flag) override {
+        return Hear(phase, newWidth, newHeight, merged, u1, u2, flag), -2;
+    }
+    bool Execute(const ExecuteArgs& a) override {
+        Hear(a.phase, a.layer, a.subLayer, a.unused, a.dst, a.outRect, a.src, a.inRect,
+             a.skipPixels, a.resultCode, a.resultKind, a.layerMode, a.layerOpacity, a.layerFlag,
+             a.layerName);
+        return true;
+    }
+    void AdjustScale(int u1, int u2, double* x, double* y) override { Hear(u1, u2, x, y); }
+    bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override {
+        return Hear(index, layer, subLayer, x, y), true;
+    }
+    bool Dispose() override { return true; }
+};
+
+/// An address that nobody follows.
+template <typename Pointer>
+Pointer At(uintptr_t address) {
+    return reinterpret_cast<Pointer>(address);
+}
+
+TEST(Entry, HandsArgumentsOnInTheirOrder) {
+    RecordingProcess process;
+    const auto heard = [&](uint64_t count) {
+        std::vector<uint64_t> numbers(count);
+        std::iota(numbers.begin(), numbers.end(), 1);
+        return process.heard == numbers;
+    };
+    EXPECT_EQ(ImagePluginDialog("gray", &process, At<bool (*)()>(1)), 1);
+    EXPECT_TRUE(heard(1));
+    EXPECT_EQ(ImagePluginPhase2("gray", &process, 1, At<uint32_t*>(2), At<uint32_t*>(3),
+                                At<const uint16_t*>(4), 5, 6, At<uint32_t*>(7)),
+              -2);
+    EXPECT_TRUE(heard(7));
+    EXPECT_TRUE(ImagePluginExecute4("gray", &process, 1, 2, 3, 4, At<RGBA16*>(5), At<RECT*>(6),
+                                    At<const RGBA16*>(7), At<const RECT*>(8), true,
+                                    At<uint32_t*>(10), At<uint32_t*>(11), At<uint32_t*>(12),
+                                    At<uint32_t*>(13), At<uint32_t*>(14), At<char*>(15)));
+    EXPECT_EQ(std::exchange(process.heard[8], 9), 1U);
+    EXPECT_TRUE(heard(15));
+    ImagePluginAdjustScale("gray", &process, 1, 2, At<double*>(3), At<double*>(4));
+    EXPECT_TRUE(heard(4));
+    EXPECT_TRUE(
+        ImagePluginAdjustLocate2("gray", &process, 1, 2, 3, At<double*>(4), At<double*>(5)));
+    EXPECT_TRUE(heard(5));
 }
 
 class ThrowingProcess final : public ImageProcess {

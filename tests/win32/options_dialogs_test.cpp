@@ -12,13 +12,19 @@
 namespace imgbasic {
 namespace {
 
-/// Opens a filter's dialog over an image of 200 x 100 as a host does; true when it is confirmed.
-bool Open(const char* filter, ApplyCallback apply, HWND owner = nullptr) {
+/// What the module answers when a filter's dialog is to open over an image of 200 x 100.
+int Answer(const char* filter, ApplyCallback apply, HWND owner = nullptr) {
     ImageProcess* object =
         ImagePluginPrepare2(filter, 200, 100, 0, 0, -1, 0, 0, 0, owner, 0, nullptr);
     const int result = ImagePluginDialog(filter, object, apply);
-    EXPECT_TRUE(result == 1 || result == -1);
     ImagePluginDispose(filter, object);
+    return result;
+}
+
+/// True when the dialog is confirmed.
+bool Open(const char* filter, ApplyCallback apply, HWND owner = nullptr) {
+    const int result = Answer(filter, apply, owner);
+    EXPECT_TRUE(result == 1 || result == -1);
     return result == 1;
 }
 
@@ -364,8 +370,11 @@ TEST_F(OneDialog, DoesNotNest) {
             SendMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
         }
         SendMessageW(frame, WM_CLOSE, 0, 0);
-        EXPECT_FALSE(Open("mono", [] { return true; }));
-        EXPECT_FALSE(Open("scaling", nullptr));
+        EXPECT_EQ(Answer("mono", [] { return true; }), 0);
+        EXPECT_EQ(Answer("scaling", nullptr), 0);
+        int cancelled = 5;
+        EXPECT_EQ(ImagePluginBatchPrepare("col_reduce", nullptr, &cancelled), nullptr);
+        EXPECT_EQ(cancelled, 5) << "nobody did";
         return true;
     });
     EXPECT_TRUE(OpenMono(apply, [&](const DialogHand& hand) {

@@ -1,28 +1,19 @@
 #include "lib/ui/wide_text.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/dialogs/common_image_dialog.h"
+#include "plugin/imgbasic/dialogs/dialog_turn.h"
 #include "plugin/imgbasic/dialogs/scaling_image_dialog.h"
 #include "plugin/imgbasic/settings.h"
 
 namespace imgbasic {
 namespace {
 
-/// The dialog being shown. What it runs through the host must not open another one.
-const KVWin32DialogWindow* shownDialog = nullptr;
-
-class Showing {
-  public:
-    explicit Showing(const KVWin32DialogWindow& dialog) { shownDialog = &dialog; }
-    ~Showing() { shownDialog = nullptr; }
-    Showing(const Showing&) = delete;
-    Showing& operator=(const Showing&) = delete;
-};
-
 /// Loads and saves around the modal run of a dialog that `make` makes of the loaded options.
 template <typename MakeDialog>
-bool Show(ImageProcess& process, const FilterRow& filter, MakeDialog&& make) {
-    if (shownDialog != nullptr) {
-        return false;
+int Show(ImageProcess& process, const FilterRow& filter, MakeDialog&& make) {
+    const DialogTurn turn;
+    if (!turn.IsMine()) {
+        return 0;
     }
     LoadSettings(process, filter);
     auto dialog = make();
@@ -34,23 +25,22 @@ bool Show(ImageProcess& process, const FilterRow& filter, MakeDialog&& make) {
     info.owner = process.ownerWindow;
     info.templateId = filter.dialog;
     info.items = dialog.Items();
-    const Showing showing(dialog);
     if (!dialog.Create(&info) || dialog.RunModal() != IDOK) {
-        return false;
+        return -1;
     }
     if (process.applyCallback != nullptr) {
         SaveSettings(process, filter);
     }
-    return true;
+    return 1;
 }
 
 }  // namespace
 
-bool RunOptionsDialog(ImageProcess& process, const FilterRow& filter) {
+int RunOptionsDialog(ImageProcess& process, const FilterRow& filter) {
     return Show(process, filter, [&] { return CommonImageDialog(process, filter); });
 }
 
-bool RunOptionsDialog(ScalingImageProcess& process) {
+int RunOptionsDialog(ScalingImageProcess& process) {
     return Show(process, kRow<ScalingImageProcess>, [&] { return ScalingImageDialog(process); });
 }
 

@@ -1,5 +1,6 @@
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/dialogs/dialog_rules.h"
+#include "plugin/imgbasic/dialogs/dialog_turn.h"
 #include "plugin/imgbasic/settings.h"
 
 // Where there is no window system, a dialog is answered as by a user who opens it and executes.
@@ -7,29 +8,34 @@
 namespace imgbasic {
 namespace {
 
-bool Execute(const ImageProcess& process, const FilterRow& filter) {
+/// `settle` completes the loaded options.
+template <typename Settle>
+int Answer(ImageProcess& process, const FilterRow& filter, Settle&& settle) {
+    const DialogTurn turn;
+    if (!turn.IsMine()) {
+        return 0;
+    }
+    LoadSettings(process, filter);
+    settle();
     if (process.applyCallback == nullptr) {
-        return true;
+        return 1;
     }
     if (!process.applyCallback()) {
-        return false;
+        return -1;
     }
     SaveSettings(process, filter);
-    return true;
+    return 1;
 }
 
 }  // namespace
 
-bool RunOptionsDialog(ImageProcess& process, const FilterRow& filter) {
-    LoadSettings(process, filter);
-    return Execute(process, filter);
+int RunOptionsDialog(ImageProcess& process, const FilterRow& filter) {
+    return Answer(process, filter, [] {});
 }
 
-bool RunOptionsDialog(ScalingImageProcess& process) {
-    const FilterRow& filter = kRow<ScalingImageProcess>;
-    LoadSettings(process, filter);
-    ScalingOptions(process).StoreIn(process);
-    return Execute(process, filter);
+int RunOptionsDialog(ScalingImageProcess& process) {
+    return Answer(process, kRow<ScalingImageProcess>,
+                  [&] { ScalingOptions(process).StoreIn(process); });
 }
 
 }  // namespace imgbasic
