@@ -5,19 +5,25 @@
 #include <new>
 
 static int allocationsLeft = INT_MAX;
+static long liveBlocks = 0;
 
 void* operator new(size_t size) {
     const bool allowed = allocationsLeft == INT_MAX || allocationsLeft-- > 0;
     void* const block = allowed ? std::malloc(size) : nullptr;
-    return block != nullptr ? block : throw std::bad_alloc();
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    ++liveBlocks;
+    return block;
 }
 
 void operator delete(void* block) noexcept {
+    liveBlocks -= block != nullptr ? 1 : 0;
     std::free(block);
 }
 
 void operator delete(void* block, size_t /*size*/) noexcept {
-    std::free(block);
+    operator delete(block);
 }
 
 namespace imgbasic {
@@ -28,6 +34,14 @@ ScopedAllocationLimit::ScopedAllocationLimit(int allocations) {
 
 ScopedAllocationLimit::~ScopedAllocationLimit() {
     allocationsLeft = INT_MAX;
+}
+
+bool ScopedAllocationLimit::IsPassed() const {
+    return allocationsLeft < 0;
+}
+
+long LiveAllocations() {
+    return liveBlocks;
 }
 
 }  // namespace imgbasic

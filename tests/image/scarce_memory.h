@@ -9,6 +9,12 @@ class ScopedAllocationLimit {
     ~ScopedAllocationLimit();
     ScopedAllocationLimit(const ScopedAllocationLimit&) = delete;
     ScopedAllocationLimit& operator=(const ScopedAllocationLimit&) = delete;
+
+    /// Whether one was refused.
+    bool IsPassed() const;
 };
+
+/// What operator new gave out and has not got back.
+long LiveAllocations();
 
 }  // namespace imgbasic

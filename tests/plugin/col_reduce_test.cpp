@@ -59,6 +59,8 @@ TEST(ColReduce, SharesTheTopItemsPalette) {
         all.process.GraduateReduce = graduate;
         ASSERT_TRUE(all.Visit(0, -1, &top));
         EXPECT_EQ(all.Grays(), topGrays);
+        ASSERT_TRUE(all.Visit(0, 0, &kImage));
+        EXPECT_EQ(all.Grays(), topGrays) << "a layer inside the top item chooses none";
         ASSERT_TRUE(all.Visit(1, -1, &kImage));
         EXPECT_EQ(all.Grays(), topGrays);
         EXPECT_EQ(all.dst[kPixels - 1], Gray(25));
