@@ -7,14 +7,16 @@
 static int allocationsLeft = INT_MAX;
 static long liveBlocks = 0;
 
-void* operator new(size_t size) {
+void* operator new(size_t size, const std::nothrow_t& /*tag*/) noexcept {
     const bool allowed = allocationsLeft == INT_MAX || allocationsLeft-- > 0;
     void* const block = allowed ? std::malloc(size) : nullptr;
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    ++liveBlocks;
+    liveBlocks += block != nullptr ? 1 : 0;
     return block;
+}
+
+void* operator new(size_t size) {
+    void* const block = operator new(size, std::nothrow);
+    return block != nullptr ? block : throw std::bad_alloc();
 }
 
 void operator delete(void* block) noexcept {

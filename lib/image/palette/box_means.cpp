@@ -111,33 +111,24 @@ void SumColors(const CountedColors& image, std::span<const uint32_t> halfOfCell,
     }
 }
 
-/// False when there is an entry of that colour already.
-bool AddIfNew(KVArray<KVColorPalette>& entries, const KVColorPalette& entry) {
-    if (std::ranges::find(entries, entry.Word(), &KVColorPalette::Word) != entries.end()) {
-        return false;
-    }
-    entries.push_back(entry);
-    return true;
-}
-
 }  // namespace
 
 void AddBoxMeans(const CountedColors& image, ColorHistogram& histogram,
                  const std::vector<CoarseColor>& coarse, int shift, const ColorBoxes& boxes,
                  KVArray<KVColorPalette>& entries) {
-    // Two boxes may have the same mean. A colour that is there already is not added, which leaves
-    // room for another box's second colour; a box of two colours takes one from that room.
     auto halves = CutInHalves(histogram, coarse, shift, boxes.boxes.size());
     SumColors(image, histogram.Table(), halves);
+    // All means differ. Any two boxes, and the halves of a box, lie on two sides of some cut, and a
+    // mean has no channel beyond the least and the greatest value that went into it.
     size_t spare = kMaxBoxes - halves.size();
     for (const size_t number : boxes.order) {
         const Halves& half = halves[number];
-        if (spare >= 1 && half.cut) {
-            const bool lowerAdded = AddIfNew(entries, half.lower.Mean());
-            const bool upperAdded = AddIfNew(entries, half.upper.Mean());
-            spare = spare + 1 - (lowerAdded ? 1 : 0) - (upperAdded ? 1 : 0);
-        } else if (!AddIfNew(entries, (half.lower + half.upper).Mean())) {
-            ++spare;
+        if (spare > 0 && half.cut) {
+            entries.push_back(half.lower.Mean());
+            entries.push_back(half.upper.Mean());
+            --spare;
+        } else {
+            entries.push_back((half.lower + half.upper).Mean());
         }
     }
 }

@@ -44,8 +44,8 @@ static void AverageLanes(const AverageRow& row, size_t i, bool streaming) {
     const auto drawn = Lanes::Both(sum.IsVisible(), hasArea);
     if (Lanes::Any(drawn)) {
         const auto covered = Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage);
-        const auto divisor = Lanes::Select(hasArea, area, Lanes::Set(1));
-        Lanes::Store(row.dst + i, sum.Mean(sum.Alpha(covered) / divisor), drawn, streaming);
+        const auto alpha = sum.Alpha(covered) / DivisorIn<Lanes>(hasArea, area);
+        Lanes::Store(row.dst + i, sum.Mean(alpha), drawn, streaming);
     }
 }
 

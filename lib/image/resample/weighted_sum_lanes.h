@@ -20,6 +20,14 @@ static inline typename Lanes::Doubles RaisedOverFullScale(typename Lanes::Double
     return Lanes::MultiplyAdd(x, Lanes::Set(kInverse), x);
 }
 
+/// `divisor` in the lanes of `mask` and 1 in the others. Most often those are all, which is cheaper
+/// to ask for than to select.
+template <typename Lanes>
+static inline typename Lanes::Doubles DivisorIn(typename Lanes::Mask mask,
+                                                typename Lanes::Doubles divisor) {
+    return Lanes::All(mask) ? divisor : Lanes::Select(mask, divisor, Lanes::Set(1));
+}
+
 /// WeightedSum of several pixels at once. Every sum is kept multiplied by a power of two, which
 /// changes no rounding and saves shifting the channels down.
 template <typename Lanes>
@@ -49,8 +57,8 @@ class WeightedSumLanes {
     /// left of 0 by rounding; there they are divided by 1, since a host may have unmasked the
     /// exceptions of a division by zero and of converting its result.
     typename Lanes::Pixels Mean(Doubles alpha) const {
-        const Doubles divisor = Lanes::Select(IsVisible(), a_, Lanes::Set(1));
-        const Doubles scale = Lanes::Set(kFullScale / kQuotientRaise) / divisor;
+        const Doubles scale =
+            Lanes::Set(kFullScale / kQuotientRaise) / DivisorIn<Lanes>(IsVisible(), a_);
         const Doubles down = Lanes::Set(1.0 / 65536);
         const Doubles greenScale = scale * down;
         return Lanes::Pack(scale * r_, greenScale * g_, greenScale * down * b_, alpha);

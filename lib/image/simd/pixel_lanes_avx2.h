@@ -52,6 +52,7 @@ struct Avx2Lanes {
     }
     static Pixels Union(Pixels a, Pixels b) { return _mm256_or_si256(a, b); }
     static bool Any(Mask mask) { return _mm256_testz_si256(mask, mask) == 0; }
+    static bool All(Mask mask) { return _mm256_movemask_pd(_mm256_castsi256_pd(mask)) == 0xF; }
 
     /// Truncates four channels of four pixels, to the low 16 bits of 32-bit integers.
     ///
@@ -69,7 +70,7 @@ struct Avx2Lanes {
     /// are made through the caches.
     static void Store(RGBA16* dst, Pixels pixels, Mask mask, bool streaming) {
         auto* address = reinterpret_cast<__m256i*>(dst);
-        if (_mm256_movemask_pd(_mm256_castsi256_pd(mask)) != 0xF) {
+        if (!All(mask)) {
             _mm256_maskstore_epi64(reinterpret_cast<long long*>(dst), mask, pixels);
         } else if (streaming) {
             _mm256_stream_si256(address, pixels);

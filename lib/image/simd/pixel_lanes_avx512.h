@@ -52,6 +52,7 @@ struct Avx512Lanes {
     }
     static Pixels Union(Pixels a, Pixels b) { return _mm512_or_si512(a, b); }
     static bool Any(Mask mask) { return mask != 0; }
+    static bool All(Mask mask) { return mask == 0xFF; }
 
     /// Truncates four channels of eight pixels, to the low 16 bits of 32-bit integers.
     ///
@@ -68,7 +69,7 @@ struct Avx512Lanes {
     /// Stores the pixels in `mask`; streamed stores need an aligned `dst` and all pixels, others
     /// are made through the caches.
     static void Store(RGBA16* dst, Pixels pixels, Mask mask, bool streaming) {
-        if (mask != 0xFF) {
+        if (!All(mask)) {
             _mm512_mask_storeu_epi64(dst, mask, pixels);
         } else if (streaming) {
             _mm512_stream_si512(reinterpret_cast<__m512i*>(dst), pixels);

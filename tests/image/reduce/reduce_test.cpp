@@ -11,6 +11,7 @@
 #include "lib/image/dither/map_to_indexed.h"
 #include "lib/image/palette/quantize_palette.h"
 #include "lib/image/reduce/quantize_graduated.h"
+#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 namespace {
@@ -40,6 +41,34 @@ Indices IndicesOf(const KVBitmap& indexed) {
         indices.insert(indices.end(), row.begin(), row.end());
     }
     return indices;
+}
+
+void ExpectIndices(const ReducePalette& palette, const KVBitmap& bitmap, const Indices& expected) {
+    for (const SimdLevel level : {SimdLevel::Scalar, SupportedSimdLevel()}) {
+        const ScopedSimdLevel forced(level);
+        EXPECT_EQ(IndicesOf(*MapToIndexed(palette, &bitmap, NoDither)), expected);
+    }
+}
+
+// (15, 15, 15), a corner of the first entry's cell, is as far from it as any colour there, and just
+// as near to the other entry, which wins by the sum of the differences: 25 + 5 + 5.
+TEST(Reduce, FindsAnEntryThatTiesAtTheCornerOfACell) {
+    ReducePalette palette;
+    palette.entries.emplace_back(0xFF000000, 1U);
+    palette.entries.emplace_back(0xFF281414, 1U);
+    FinishPalette(palette);
+    ExpectIndices(palette, *Bitmap(3, {0xFF0F0F0F, 0xFF0F0F0E, 0xFF0F0F0F}), {1, 0, 1});
+}
+
+TEST(Reduce, CutsRareColorsOffDownToAThirtySecond) {
+    for (const auto& [rare, colors] : {std::pair{50, 2U}, {20, 1U}}) {
+        Words pixels(1000, 0xFF000010);
+        std::fill_n(pixels.begin(), rare, 0xFF000050);
+        pixels.back() = 0xFF000011;
+        ReducePalette palette;
+        ASSERT_TRUE(QuantizePalette(palette, Bitmap(100, pixels).get(), -2));
+        EXPECT_EQ(palette.entries.size(), colors) << rare;
+    }
 }
 
 TEST(Reduce, KeepsFewColorsInOrderOfFirstAppearance) {
