@@ -32,7 +32,7 @@ constexpr Glyph kFont[] = {
 
 }  // namespace
 
-Colour Mix(Colour a, Colour b, double t) {
+Color Mix(Color a, Color b, double t) {
     return {a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t};
 }
 
@@ -78,7 +78,7 @@ Canvas::Canvas(int32_t width, int32_t height)
     : width_(width), height_(height), pixels_(PixelCount(width, height)) {
 }
 
-void Canvas::Put(int32_t x, int32_t y, Colour colour, double coverage) {
+void Canvas::Put(int32_t x, int32_t y, Color color, double coverage) {
     if (x < 0 || y < 0 || x >= width_ || y >= height_ || coverage <= 0) {
         return;
     }
@@ -87,17 +87,17 @@ void Canvas::Put(int32_t x, int32_t y, Colour colour, double coverage) {
     };
     RGBA16& pixel =
         pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)];
-    pixel = host::Composite({channel(colour.r), channel(colour.g), channel(colour.b),
+    pixel = host::Composite({channel(color.r), channel(color.g), channel(color.b),
                              channel(std::min(coverage, 1.0) * 255)},
                             host::CompositionKind::Normal, pixel);
 }
 
-void Canvas::Line(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Colour colour) {
+void Canvas::Line(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Color color) {
     const int32_t dx = std::abs(x1 - x0);
     const int32_t dy = -std::abs(y1 - y0);
     int32_t error = dx + dy;
     while (true) {
-        Put(x0, y0, colour);
+        Put(x0, y0, color);
         if (x0 == x1 && y0 == y1) {
             return;
         }
@@ -113,16 +113,16 @@ void Canvas::Line(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Colour colour)
     }
 }
 
-void Canvas::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom, Colour colour,
+void Canvas::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom, Color color,
                        double coverage) {
     for (int32_t y = top; y < bottom; ++y) {
         for (int32_t x = left; x < right; ++x) {
-            Put(x, y, colour, coverage);
+            Put(x, y, color, coverage);
         }
     }
 }
 
-void Canvas::Text(int32_t x, int32_t y, int32_t dot, const char* text, Colour colour) {
+void Canvas::Text(int32_t x, int32_t y, int32_t dot, const char* text, Color color) {
     for (const char letter : std::string_view(text)) {
         const auto* const glyph = std::find_if(std::begin(kFont), std::end(kFont),
                                                [=](const Glyph& g) { return g.letter == letter; });
@@ -130,7 +130,7 @@ void Canvas::Text(int32_t x, int32_t y, int32_t dot, const char* text, Colour co
             if (glyph->dots[i] == '#') {
                 const int32_t left = x + i % 5 * dot;
                 const int32_t top = y + i / 5 * dot;
-                Rectangle(left, top, left + dot, top + dot, colour);
+                Rectangle(left, top, left + dot, top + dot, color);
             }
         }
         x += 6 * dot;

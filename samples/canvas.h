@@ -11,13 +11,13 @@ namespace imgbasic::samples {
 // picture comes out everywhere.
 
 /// Straight colour, 0..255 a channel.
-struct Colour {
+struct Color {
     double r;
     double g;
     double b;
 };
 
-Colour Mix(Colour a, Colour b, double t);
+Color Mix(Color a, Color b, double t);
 
 /// 0 below `low`, 1 above `high`, a smooth rise between them.
 double Smooth(double low, double high, double value);
@@ -38,16 +38,16 @@ class Canvas {
     int32_t Height() const { return height_; }
 
     /// Lays `colour` over the pixel with `coverage`, 0..1; outside the picture nothing happens.
-    void Put(int32_t x, int32_t y, Colour colour, double coverage = 1);
+    void Put(int32_t x, int32_t y, Color color, double coverage = 1);
 
     /// A hard line one pixel wide (Bresenham, 1965).
-    void Line(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Colour colour);
+    void Line(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Color color);
 
-    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom, Colour colour,
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom, Color color,
                    double coverage = 1);
 
     /// Capitals, digits and a few signs of 5 x 7 dots, each `dot` pixels wide and high.
-    void Text(int32_t x, int32_t y, int32_t dot, const char* text, Colour colour);
+    void Text(int32_t x, int32_t y, int32_t dot, const char* text, Color color);
 
     /// The finished layer, cut down to 8 bits a channel.
     host::Layer ToLayer(std::string name) const;

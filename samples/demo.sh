@@ -47,11 +47,11 @@ done
 sheet gray 5 "${methods[@]}" "${tints[@]/#/tint_}"
 
 reduced=()
-for colours in 2 4 16 256; do
+for colors in 2 4 16 256; do
     for dither in none pattern small large; do
-        run "${colours}_colours,_$dither" col_reduce --target merged \
-            --colors "$colours" --dither "$dither"
-        reduced+=("${colours}_colours,_$dither")
+        run "${colors}_colours,_$dither" col_reduce --target merged \
+            --colors "$colors" --dither "$dither"
+        reduced+=("${colors}_colours,_$dither")
     done
 done
 sheet col_reduce 4 "${reduced[@]}"

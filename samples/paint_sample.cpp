@@ -21,8 +21,8 @@ constexpr double kSunX = 770;
 constexpr double kSunY = 408;
 constexpr double kSunRadius = 40;
 
-constexpr Colour kHaze{246, 190, 150};
-constexpr Colour kNight{13, 20, 38};
+constexpr Color kHaze{246, 190, 150};
+constexpr Color kNight{13, 20, 38};
 
 Canvas NewCanvas() {
     return {kWidth, kHeight};
@@ -43,10 +43,10 @@ double Distance(double x, double y) {
 }
 
 /// The sky's colour at `height` between the zenith, 0, and the horizon, 1.
-Colour SkyColour(double height) {
-    constexpr std::array<Colour, 5> kStops{Colour{30, 41, 92}, Colour{84, 74, 138},
-                                           Colour{178, 99, 142}, Colour{238, 140, 112},
-                                           Colour{252, 205, 140}};
+Color SkyColor(double height) {
+    constexpr std::array<Color, 5> kStops{Color{30, 41, 92}, Color{84, 74, 138},
+                                          Color{178, 99, 142}, Color{238, 140, 112},
+                                          Color{252, 205, 140}};
     const double place = std::clamp(height, 0.0, 1.0) * (kStops.size() - 1);
     const size_t stop = std::min(static_cast<size_t>(place), kStops.size() - 2);
     return Mix(kStops[stop], kStops[stop + 1], place - static_cast<double>(stop));
@@ -55,7 +55,7 @@ Colour SkyColour(double height) {
 host::Layer Sky() {
     Canvas canvas = NewCanvas();
     ForRows(0, kHeight, [&](int32_t x, int32_t y) {
-        canvas.Put(x, y, SkyColour(static_cast<double>(y) / kHorizon));
+        canvas.Put(x, y, SkyColor(static_cast<double>(y) / kHorizon));
     });
     return canvas.ToLayer("空 sky");
 }
@@ -90,8 +90,8 @@ host::Layer Clouds(const char* name, int32_t top, int32_t bottom, double size, d
         const double lit = Noise(x / size, (y + 7) * 4 / size, 4, seed);
         const double height = static_cast<double>(y - top) / (bottom - top);
         const double window = Smooth(0, 0.3, height) * (1 - Smooth(0.65, 1, height));
-        const Colour colour = Mix({122, 92, 142}, {255, 196, 164}, Smooth(0.30, 0.68, lit));
-        canvas.Put(x, y, colour, Smooth(least, least + 0.26, density) * window * 0.82);
+        const Color color = Mix({122, 92, 142}, {255, 196, 164}, Smooth(0.30, 0.68, lit));
+        canvas.Put(x, y, color, Smooth(least, least + 0.26, density) * window * 0.82);
     });
     return canvas.ToLayer(name);
 }
@@ -117,12 +117,12 @@ host::Layer Mountains() {
             const double fray = 34 * (Noise(x / 44.0, y / 30.0, 4, 43) - 0.5);
             const double along = x + 0.55 * depth + fray * Smooth(0, 30, depth);
             const double slope = kRidge.At(along + 4) - kRidge.At(along - 4);
-            const Colour rock = Mix({104, 86, 140}, {158, 112, 146}, Smooth(-7, 7, slope));
+            const Color rock = Mix({104, 86, 140}, {158, 112, 146}, Smooth(-7, 7, slope));
             const double snowLine = 16 + 36 * Noise(x / 9.0, y / 14.0, 3, 42);
-            const Colour snow = Mix({190, 164, 196}, {255, 222, 206}, Smooth(-6, 6, slope));
+            const Color snow = Mix({190, 164, 196}, {255, 222, 206}, Smooth(-6, 6, slope));
             const double snowed = (1 - Smooth(snowLine - 3, snowLine + 3, depth)) *
                                   (1 - Smooth(335, 365, kRidge.At(x)));
-            const Colour cover = Mix(rock, snow, snowed);
+            const Color cover = Mix(rock, snow, snowed);
             canvas.Put(x, y, Mix(cover, kHaze, Smooth(360, kHorizon + 10, y) * 0.75), depth + 1);
         }
     });
@@ -133,8 +133,8 @@ host::Layer Hills() {
     Canvas canvas = NewCanvas();
     struct Hill {
         Ridge ridge;
-        Colour upper;
-        Colour lower;
+        Color upper;
+        Color lower;
     };
     constexpr Hill kHills[] = {
         {{484, 84, 210, 4, 51}, {120, 92, 138}, {206, 146, 146}},
@@ -157,7 +157,7 @@ host::Layer Lake() {
         const double scale = 0.12 + depth;
         const double ripple =
             Noise(x / (190 * scale), 60 * std::sqrt(depth + 0.01) + y * 0.02, 3, 61) - 0.5;
-        const Colour mirrored = SkyColour(1.02 - depth * 1.15 + ripple * 0.30);
+        const Color mirrored = SkyColor(1.02 - depth * 1.15 + ripple * 0.30);
         canvas.Put(x, y,
                    Mix(Mix(mirrored, {22, 34, 74}, 0.30 + 0.35 * depth), kHaze,
                        0.35 * (1 - Smooth(0, 0.10, depth))));
@@ -249,8 +249,8 @@ host::Layer Mist() {
 }
 
 void PaintPier(Canvas& canvas, int32_t left, int32_t right, int32_t deck) {
-    constexpr Colour kPlank{74, 56, 66};
-    constexpr Colour kEdge{22, 20, 36};
+    constexpr Color kPlank{74, 56, 66};
+    constexpr Color kEdge{22, 20, 36};
     for (int32_t x = left + 20; x < right; x += 44) {
         canvas.Rectangle(x, deck - 14, x + 4, deck + 42, kEdge);
         canvas.Line(x + 4, deck - 13, x + 4, deck + 41, {150, 104, 92});
@@ -300,32 +300,32 @@ host::Layer Boat() {
         "...bbbbbbbbbbbbbbbbbb...", "....nnnnnnnnnnnnnnnn...."};
     for (size_t row = 0; row < std::size(kRows); ++row) {
         for (size_t column = 0; column < kRows[row].size(); ++column) {
-            Colour colour{};
+            Color color{};
             switch (kRows[row][column]) {
                 case 'k':
-                    colour = {43, 32, 51};
+                    color = {43, 32, 51};
                     break;
                 case 'r':
-                    colour = {214, 64, 69};
+                    color = {214, 64, 69};
                     break;
                 case 'w':
-                    colour = {255, 243, 220};
+                    color = {255, 243, 220};
                     break;
                 case 'c':
-                    colour = {242, 201, 160};
+                    color = {242, 201, 160};
                     break;
                 case 'b':
-                    colour = {140, 78, 62};
+                    color = {140, 78, 62};
                     break;
                 case 'n':
-                    colour = {96, 50, 52};
+                    color = {96, 50, 52};
                     break;
                 default:
                     continue;
             }
             const int32_t x = 880 + static_cast<int32_t>(column) * kDot;
             const int32_t y = 478 + static_cast<int32_t>(row) * kDot;
-            canvas.Rectangle(x, y, x + kDot, y + kDot, colour);
+            canvas.Rectangle(x, y, x + kDot, y + kDot, color);
         }
     }
     return canvas.ToLayer("boat sprite");
@@ -333,7 +333,7 @@ host::Layer Boat() {
 
 host::Layer Lettering() {
     Canvas canvas = NewCanvas();
-    constexpr Colour kInk{255, 240, 214};
+    constexpr Color kInk{255, 240, 214};
     canvas.Text(40, 38, 3, "LAKE AT DUSK", kInk);
     canvas.Text(40, 68, 1, "IMGBASIC SAMPLE", kInk);
     canvas.Text(140, 68, 1, "1200 X 800", kInk);

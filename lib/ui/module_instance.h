@@ -2,7 +2,7 @@
 
 #include "lib/base/platform.h"
 
-extern "C" IMAGE_DOS_HEADER __ImageBase;
+extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(bugprone-reserved-identifier): the linker's
 
 namespace imgbasic {
 

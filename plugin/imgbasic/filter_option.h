@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <span>
 
-#include "plugin/imgbasic/dialogs/resource.h"
 #include "plugin/imgbasic/process.h"
+#include "plugin/imgbasic/resource.h"
 #include "plugin/imgbasic/texts.h"
 
 namespace imgbasic {

@@ -4,12 +4,12 @@
 
 namespace imgbasic {
 
-/// "gray": one gray value for every pixel, seen over white, tinted by a colour.
+/// "gray": one grey value for every pixel, seen over white, tinted by a colour.
 class GrayScaleImageProcess final : public TargetImageProcess {
   public:
     bool Execute(const ExecuteArgs& args) override;
 
-    int32_t CalcMode = 0;   ///< how the gray value is computed: kCalcModes
+    int32_t CalcMode = 0;   ///< how the grey value is computed: kCalcModes
     int32_t ColorMode = 0;  ///< the tint: kColorModes
 
   protected:
@@ -47,7 +47,7 @@ inline constexpr FilterOption kGrayOptions[] = {
     TargetOption(),
 };
 
-// A batch or a repeated run makes the plain gray of a new object: hosts offer both as the filter
+// A batch or a repeated run makes the plain grey of a new object: hosts offer both as the filter
 // without its dialog.
 template <>
 inline constexpr FilterRow kRow<GrayScaleImageProcess>{

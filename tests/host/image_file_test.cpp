@@ -154,18 +154,18 @@ TEST_F(ImageFile, WhatCannotBeWrittenLeavesTheFolderAsItWas) {
     EXPECT_THAT(names, testing::UnorderedElementsAre("old.png", "f.png"));
 }
 
-TEST_F(ImageFile, APaletteKeepsExactlyTheColoursThatFitIt) {
+TEST_F(ImageFile, APaletteKeepsExactlyTheColorsThatFitIt) {
     RandomDocuments random(4);
-    for (const size_t colours : {1U, 2U, 5U, 17U, 256U, 257U}) {
-        SCOPED_TRACE(colours);
-        const std::vector<RGBA16> palette = random.Pixels(colours, 8);
+    for (const size_t colors : {1U, 2U, 5U, 17U, 256U, 257U}) {
+        SCOPED_TRACE(colors);
+        const std::vector<RGBA16> palette = random.Pixels(colors, 8);
         std::vector<RGBA16> pixels;
         for (size_t i = 0; i < size_t{64} * 64; ++i) {
-            pixels.push_back(palette[i % colours]);
+            pixels.push_back(palette[i % colors]);
         }
         const Document document = OneLayer(64, 64, 8, pixels);
         const bool fits = SaveIndexedPng(document, Path("i.png"), {.overwrite = true});
-        EXPECT_EQ(fits, colours <= 256);
+        EXPECT_EQ(fits, colors <= 256);
         if (fits) {
             EXPECT_EQ(Bytes("i.png")[25], 3) << "the colour type of a palette";
             EXPECT_TRUE(Flatten(LoadDocument(Path("i.png"))) == Flatten(document));

@@ -28,7 +28,7 @@ std::vector<RGBA16> Ramp(int first, int step) {
     return pixels;
 }
 
-/// The current layer is 0; the layer is a ramp of grays from 0, the merged image one from 120.
+/// The current layer is 0; the layer is a ramp of greys from 0, the merged image one from 120.
 struct ReduceRun : FilterRun<ReduceColorImageProcess> {
     explicit ReduceRun(int32_t target) : FilterRun(kWidth, kHeight, Ramp(0, 5), Ramp(120, 5)) {
         process.TargetType = target;

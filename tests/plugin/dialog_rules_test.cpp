@@ -80,7 +80,7 @@ bool Accepts(const char* filter, const std::vector<int32_t>& shown) {
     return Host::calls == 1;
 }
 
-TEST(DialogRules, ValidateTwoColoursAndReductionAlone) {
+TEST(DialogRules, ValidateTwoColorsAndReductionAlone) {
     EXPECT_TRUE(Accepts("mono", {1, 0}));
     EXPECT_TRUE(Accepts("mono", {255, 2}));
     for (const auto& shown : {std::vector{0, 0}, {256, 0}, {128, 3}, {128, -1}}) {

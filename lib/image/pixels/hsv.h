@@ -6,7 +6,7 @@
 namespace imgbasic {
 
 /// Converts the 8-bit colour 0xAARRGGBB, whose alpha is not looked at, to hue, saturation and value
-/// (Smith, 1978): hue from 0 to 359 degrees in bits 0 to 8 (0 for grays), saturation from 0 to 255
+/// (Smith, 1978): hue from 0 to 359 degrees in bits 0 to 8 (0 for greys), saturation from 0 to 255
 /// in bits 9 to 16, value from 0 to 255 in bits 17 to 24. Divisions truncate toward zero.
 constexpr uint32_t PackedHsv(uint32_t argb) {
     const auto red = static_cast<int32_t>(argb >> 16 & 0xFF);

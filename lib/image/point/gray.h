@@ -8,7 +8,7 @@
 
 namespace imgbasic {
 
-/// How a gray value is computed from a colour, numbered as the option CalcMode.
+/// How a grey value is computed from a colour, numbered as the option CalcMode.
 enum class GrayMode : int32_t {
     LightnessAverage,  ///< the mean of the largest and the smallest channel
     RgbAverage,
@@ -23,7 +23,7 @@ enum class GrayMode : int32_t {
     Black
 };
 
-/// Writes the gray of `count` pixels of `src`, seen over transparent white, to `dst`, which may be
+/// Writes the grey of `count` pixels of `src`, seen over transparent white, to `dst`, which may be
 /// the same buffer: every colour channel is gray * t / 256, truncated, where t is that channel's
 /// byte in `tint`, 0x00RRGGBB. Alpha is what compositing makes of it. Channels above kFullScale are
 /// no error.

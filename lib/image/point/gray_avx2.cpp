@@ -6,10 +6,10 @@
 namespace imgbasic {
 namespace {
 
-// A pixel fills a lane of 64 bits; its gray value is made in the lane's low 32 bits:
+// A pixel fills a lane of 64 bits; its grey value is made in the lane's low 32 bits:
 //
 //      colors    | alpha | blue | green | red |      words 3, 2, 1, 0
-//      values    |   ?   |   ?  |   gray      |
+//      values    |   ?   |   ?  |   grey      |
 //
 // What stands in the words marked with ? does not matter: SpreadWord takes words 0 and 1 only.
 

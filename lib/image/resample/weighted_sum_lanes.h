@@ -40,9 +40,9 @@ class WeightedSumLanes {
         const Doubles alpha = Lanes::RaisedAlpha(pixels) - raise;
         const Doubles share = RaisedOverFullScale<Lanes>(alpha * weights);
         const Doubles raisedShare = share * raise;
-        r_ += Part(Lanes::template RaisedColour<0>(pixels), share, raisedShare);
-        g_ += Part(Lanes::template RaisedColour<1>(pixels), share, raisedShare);
-        b_ += Part(Lanes::template RaisedColour<2>(pixels), share, raisedShare);
+        r_ += Part(Lanes::template RaisedColor<0>(pixels), share, raisedShare);
+        g_ += Part(Lanes::template RaisedColor<1>(pixels), share, raisedShare);
+        b_ += Part(Lanes::template RaisedColor<2>(pixels), share, raisedShare);
         a_ += share;
     }
 
@@ -65,7 +65,7 @@ class WeightedSumLanes {
     }
 
   private:
-    static constexpr double kRaise = 4503599627370496.0;  ///< 2^52, see RaisedColour
+    static constexpr double kRaise = 4503599627370496.0;  ///< 2^52, see RaisedColor
 
     // Alpha is raised by kQuotientRaise; the colours by its square, green by another 2^16 and
     // blue by another 2^32, which is where they stand in a pixel.
@@ -76,9 +76,8 @@ class WeightedSumLanes {
 
     /// Inside a multiply-add, (2^52 + x) * share - 2^52 * share is exact: the product x * share is
     /// rounded once, as it is without the detour.
-    static Doubles Part(Doubles raisedColour, Doubles share, Doubles raisedShare) {
-        return RaisedOverFullScale<Lanes>(
-            Lanes::MultiplySubtract(raisedColour, share, raisedShare));
+    static Doubles Part(Doubles raisedColor, Doubles share, Doubles raisedShare) {
+        return RaisedOverFullScale<Lanes>(Lanes::MultiplySubtract(raisedColor, share, raisedShare));
     }
 };
 

@@ -4,7 +4,7 @@
 
 #include "lib/image/simd/vector_run.h"
 
-// The step that grayscale and two-level conversion share, for the files compiled for AVX2. All
+// The step that greyscale and two-level conversion share, for the files compiled for AVX2. All
 // of it has internal linkage, for the reason that vector_run.h gives.
 //
 // A pixel is a lane of 64 bits, its channels the lane's words:

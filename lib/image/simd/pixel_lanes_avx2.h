@@ -40,7 +40,7 @@ struct Avx2Lanes {
     ///      pixel       alpha   |   blue    |   green   |   red
     ///      raised      0x433   |     0     |   green   |    0        = 2^52 + green * 2^16
     template <int kChannel>
-    static Doubles RaisedColour(Pixels pixels) {
+    static Doubles RaisedColor(Pixels pixels) {
         return Raise(_mm256_and_si256(pixels, _mm256_set1_epi64x(0xFFFFLL << kChannel * 16)));
     }
 

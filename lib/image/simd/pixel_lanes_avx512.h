@@ -38,7 +38,7 @@ struct Avx512Lanes {
     ///      pixel       alpha   |   blue    |   green   |   red
     ///      raised      0x433   |     0     |   green   |    0        = 2^52 + green * 2^16
     template <int kChannel>
-    static Doubles RaisedColour(Pixels pixels) {
+    static Doubles RaisedColor(Pixels pixels) {
         return Raised(pixels, _mm512_set1_epi64(0xFFFFLL << kChannel * 16));
     }
 
