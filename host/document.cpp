@@ -4,6 +4,15 @@
 
 namespace imgbasic::host {
 
+size_t CountLayers(const std::vector<Item>& items) {
+    size_t count = 0;
+    for (const Item& item : items) {
+        const auto* folder = std::get_if<Folder>(&item);
+        count += folder != nullptr ? CountLayers(folder->items) : 1;
+    }
+    return count;
+}
+
 PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height) {
     const auto holds = [](const RGBA16& pixel) { return pixel != RGBA16{}; };
     PixelRect bounds{width, height, 0, 0};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -10,34 +11,68 @@
 
 namespace imgbasic::host {
 
-/// How a layer joins what is below it.
+/// How a layer joins what is below it. The module knows the first three by their numbers and sees
+/// all others as Normal.
 enum class CompositionKind : uint32_t {
     Normal = 0,
     NormalAlpha = 1,  ///< source-over too; told apart only by the number
     Additive = 2,
+    Multiply,
+    Screen,
+    Overlay,
+    Darken,
+    Lighten,
+    ColorDodge,
+    ColorBurn,
+    HardLight,
+    SoftLight,
+    Difference,
+    Hue,
+    Saturation,
+    Color,
+    Luminosity,
+    DestinationIn,
+    DestinationOut,
+    SourceAtop,
+    DestinationAtop,
+    Other,  ///< a file's own, which cannot be drawn and stands in as Normal
 };
 
-struct Layer {
-    std::string name;        ///< UTF-8
-    uint32_t opacity = 100;  ///< percent
+struct OpenRasterSource;
+struct OpenRasterElement;
+
+/// What layers and folders share.
+struct LayerAttributes {
+    std::string name{};    ///< UTF-8
+    double opacity = 100;  ///< percent, 0 to 100
     CompositionKind kind = CompositionKind::Normal;
-    bool clip = false;  ///< limited to the coverage of the nearest unclipped layer below
+    std::string otherKind{};  ///< the file's name for CompositionKind::Other
+    bool clip = false;        ///< limited to the coverage of the nearest unclipped one below
     bool visible = true;
+
+    /// These alone, of a layer or folder.
+    LayerAttributes& Attributes() { return *this; }
+    const LayerAttributes& Attributes() const { return *this; }
+};
+
+struct Layer : LayerAttributes {
     std::vector<RGBA16> pixels;  ///< the whole image, the document's width x height
     PixelRect bounds;            ///< what holds pixels that are not fully zero; may be empty
+    /// Where it stood in the document's source; null for a layer that is new.
+    std::shared_ptr<const OpenRasterElement> origin;
 };
 
-/// One level of grouping; composes its layers, then joins them with its own opacity.
-struct Folder {
-    std::string name;
-    uint32_t opacity = 100;
-    CompositionKind kind = CompositionKind::Normal;
-    bool clip = false;
-    bool visible = true;
-    std::vector<Layer> layers;  ///< 0 on top
-};
-
+struct Folder;
 using Item = std::variant<Layer, Folder>;
+
+/// Composes what it holds, then joins it with its own opacity and kind.
+struct Folder : LayerAttributes {
+    /// Its members see nothing of what is below the folder. One that is not isolated counts as
+    /// such all the same when its opacity or kind or clipping needs its picture by itself.
+    bool isolated = true;
+    std::vector<Item> items;  ///< 0 on top
+    std::shared_ptr<const OpenRasterElement> origin;
+};
 
 /// A layered image, held by value.
 struct Document {
@@ -45,7 +80,12 @@ struct Document {
     int32_t height = 0;
     int bitDepth = 8;         ///< bits a channel of the file that it came from, 8 or 16
     std::vector<Item> items;  ///< 0 on top
+    /// The file that it came from, as far as the rest of the document does not tell it.
+    std::shared_ptr<const OpenRasterSource> source{};
 };
+
+/// The layers among the items, those in folders at any depth included.
+size_t CountLayers(const std::vector<Item>& items);
 
 /// The smallest rectangle outside which every pixel is (0, 0, 0, 0).
 PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height);

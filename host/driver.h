@@ -10,7 +10,8 @@
 
 namespace imgbasic::host {
 
-/// A place in a document: an item, or one layer of the folder that is that item.
+/// A place in a document: an item, or one layer of the folder that is that item. The layers of
+/// folders inside it count in the order in which they are listed, top to bottom.
 struct LayerPosition {
     int32_t item = 0;
     int32_t layer = -1;  ///< -1 for the item itself

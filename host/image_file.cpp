@@ -101,12 +101,13 @@ FileFormat FormatByContent(const std::filesystem::path& path) {
 
 }  // namespace
 
-Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes) {
+Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes,
+                      Detail detail) {
     std::vector<std::string> unread;
     std::vector<std::string>& told = notes != nullptr ? *notes : unread;
     const FileFormat format = FormatByContent(path);
     if (format == kOpenRaster) {
-        return ReadOpenRaster(path.string(), told);
+        return ReadOpenRaster(path.string(), detail, told);
     }
     Picture picture = ReadRasterFile(path.string(), *format, told);
     Document document{picture.width, picture.height, picture.bitDepth, {}};
@@ -116,6 +117,10 @@ Document LoadDocument(const std::filesystem::path& path, std::vector<std::string
     layer.bounds = BoundsOf(layer.pixels, document.width, document.height);
     document.items.emplace_back(std::move(layer));
     return document;
+}
+
+bool KeepsLayers(const std::filesystem::path& path) {
+    return FormatByExtension(path) == kOpenRaster;
 }
 
 std::vector<std::string> SaveDocument(const Document& document, const std::filesystem::path& path,

@@ -15,10 +15,22 @@ class FileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// How much of a file is wanted.
+enum class Detail {
+    Everything,
+    /// Where a file tells its layers without their pixels, none of these; a layer's bounds are
+    /// then where its picture lies, perhaps outside the image.
+    Outline,
+};
+
 /// Reads PNG, JPEG, WebP or TIFF as a document of one layer, OpenRaster with its layers. The
 /// content decides the format. What cannot be shown as the file means it is told in `notes`, when
 /// given. Throws FileError.
-Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes = nullptr);
+Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes = nullptr,
+                      Detail detail = Detail::Everything);
+
+/// Whether a file of that name keeps the layers. Throws FileError for an unknown ending.
+bool KeepsLayers(const std::filesystem::path& path);
 
 /// How to write a document.
 struct SaveOptions {

@@ -1,6 +1,7 @@
 #include "host/layer_run.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "host/flatten.h"
@@ -20,20 +21,29 @@ constexpr uint32_t kPlainLayer = 1;
 /// memory with them.
 constexpr size_t kMostNewLayers = 16;
 
-/// The attributes of a layer or a folder, without what it holds.
-template <typename To, typename From>
-void CopyAttributes(To& to, const From& from) {
-    to.name = from.name;
-    to.opacity = from.opacity;
-    to.kind = from.kind;
-    to.clip = from.clip;
-    to.visible = from.visible;
-}
-
 CompositionKind KindOf(uint32_t layerMode) {
     return layerMode <= static_cast<uint32_t>(CompositionKind::Additive)
                ? static_cast<CompositionKind>(layerMode)
                : CompositionKind::Normal;
+}
+
+/// The module's number for a kind; Normal's for one that it does not know.
+uint32_t ModeOf(CompositionKind kind) {
+    return static_cast<uint32_t>(kind <= CompositionKind::Additive ? kind
+                                                                   : CompositionKind::Normal);
+}
+
+/// A layer's kind after the module answered `layerMode`. One that it does not know stays through
+/// an answer of source-over: the channels of a multiplied layer are multiplied as a whole.
+CompositionKind Answered(CompositionKind kind, uint32_t layerMode) {
+    const CompositionKind answer = KindOf(layerMode);
+    return kind > CompositionKind::Additive && answer != CompositionKind::Additive ? kind : answer;
+}
+
+/// A layer's opacity after the module, which knows whole percentages, answered one.
+double Answered(double opacity, uint32_t percent) {
+    return percent == static_cast<uint32_t>(std::lround(opacity)) ? opacity
+                                                                  : std::min(percent, 100U);
 }
 
 /// A longer side is a module's fault, not something to find memory for.
@@ -115,25 +125,35 @@ void LayerRun::VisitItems() {
         if (folder == nullptr || visited.isPlain) {
             settled.emplace_back(std::move(visited.layer));
         } else {
-            CopyAttributes(*folder, visited.layer);
-            VisitFolder(*folder, Count(settled));
+            folder->Attributes() = visited.layer.Attributes();
+            LayerPosition next{Count(settled), 0};
+            VisitFolder(*folder, next);
             settled.push_back(std::move(item));
         }
     }
     document_.items = std::move(settled);
 }
 
-void LayerRun::VisitFolder(Folder& folder, int32_t item) {
-    std::vector<Layer> settled;
-    for (Layer& layer : folder.layers) {
-        Visited visited{.layer = std::move(layer)};
-        Visit(visited, {item, Count(settled)});
+/// Visits the layers of a folder and of those inside it; `next` is the first one's position, and
+/// in the end that behind the last one.
+void LayerRun::VisitFolder(Folder& folder, LayerPosition& next) {
+    std::vector<Item> settled;
+    for (Item& item : folder.items) {
+        if (auto* inner = std::get_if<Folder>(&item)) {
+            VisitFolder(*inner, next);
+            settled.push_back(std::move(item));
+            continue;
+        }
+        Visited visited{.layer = std::move(std::get<Layer>(item))};
+        Visit(visited, next);
+        next.layer += Count(visited.above);
         std::ranges::move(visited.above, std::back_inserter(settled));
         if (!visited.isRemoved) {
-            settled.push_back(std::move(visited.layer));
+            settled.emplace_back(std::move(visited.layer));
+            ++next.layer;
         }
     }
-    folder.layers = std::move(settled);
+    folder.items = std::move(settled);
 }
 
 /// Shows a layer again and again, as long as the filter puts new layers above it.
@@ -160,18 +180,20 @@ bool LayerRun::Show(Visited& visited, LayerPosition position) {
     }
     if (answer.code == kNewLayer) {
         Layer& made = visited.above.emplace_back();
-        CopyAttributes(made, answer.attributes);
+        made.Attributes() = answer.attributes;
         Store(made, std::move(produced), answer.area, true);
         return true;
     }
-    visited.isPlain = answer.kind == kPlainLayer ||
-                      (WorksOnMergedImage(filter_, object_) && !answer.area.IsEmpty());
+    const bool isMerged = WorksOnMergedImage(filter_, object_) && !answer.area.IsEmpty();
+    visited.isPlain = answer.kind == kPlainLayer || isMerged;
     if (visited.isPlain) {
-        Layer plain;
-        plain.name = answer.attributes.name;
-        answer.attributes = std::move(plain);
+        answer.attributes = LayerAttributes{.name = std::move(answer.attributes.name)};
     }
-    CopyAttributes(visited.layer, answer.attributes);
+    if (isMerged) {
+        // What stands in its place is a new layer.
+        visited.layer.origin = nullptr;
+    }
+    visited.layer.Attributes() = answer.attributes;
     if (!visited.isFolder || visited.isPlain) {
         const bool resized = sourceWidth_ != document_.width || sourceHeight_ != document_.height;
         Store(visited.layer, std::move(produced), answer.area, resized || visited.isPlain);
@@ -185,15 +207,14 @@ LayerRun::Answer LayerRun::Ask(const Visited& visited, LayerPosition position,
     const Layer& layer = visited.layer;
     const RECT bounds{layer.bounds.left, layer.bounds.top, layer.bounds.right, layer.bounds.bottom};
     RECT area{};
-    auto mode = static_cast<uint32_t>(layer.kind);
-    uint32_t opacity = layer.opacity;
+    uint32_t mode = ModeOf(layer.kind);
+    auto opacity = static_cast<uint32_t>(std::lround(layer.opacity));
     uint32_t flag = layer.clip ? 1 : 0;
     const LayerNameBytes nameBefore = NameForModule(layer.name);
     LayerNameBytes name = nameBefore;
     // A folder has no pixels of its own to change.
     const bool skipPixels = visited.isFolder;
-    Answer answer;
-    CopyAttributes(answer.attributes, layer);
+    Answer answer{.attributes = layer.Attributes()};
     if (!module_.execute(filter_.c_str(), &object_, phase_, position.item, position.layer, 0,
                          produced.data(), &area, layer.pixels.data(),
                          layer.bounds.IsEmpty() ? nullptr : &bounds, skipPixels, &answer.code,
@@ -205,8 +226,8 @@ LayerRun::Answer LayerRun::Ask(const Visited& visited, LayerPosition position,
     answer.area = ClipToImage({area.left, area.top, area.right, area.bottom}, document_.width,
                               document_.height);
     answer.attributes.name = NameFromModule(layer.name, nameBefore, name);
-    answer.attributes.opacity = std::min(opacity, 100U);
-    answer.attributes.kind = KindOf(mode);
+    answer.attributes.opacity = Answered(layer.opacity, opacity);
+    answer.attributes.kind = Answered(layer.kind, mode);
     answer.attributes.clip = flag == 1;
     return answer;
 }
@@ -232,17 +253,12 @@ void LayerRun::Store(Layer& layer, std::vector<RGBA16> produced, PixelRect writt
 }
 
 LayerRun::Visited LayerRun::StandInFor(Folder& folder) const {
-    Document inside;
-    inside.width = sourceWidth_;
-    inside.height = sourceHeight_;
-    std::ranges::move(folder.layers, std::back_inserter(inside.items));
     Visited visited{.isFolder = true};
-    CopyAttributes(visited.layer, folder);
+    visited.layer.Attributes() = folder.Attributes();
+    Document inside{sourceWidth_, sourceHeight_, 16, std::move(folder.items)};
     visited.layer.pixels = Flatten(inside);
     visited.layer.bounds = BoundsOf(visited.layer.pixels, sourceWidth_, sourceHeight_);
-    for (size_t index = 0; index < folder.layers.size(); ++index) {
-        folder.layers[index] = std::move(std::get<Layer>(inside.items[index]));
-    }
+    folder.items = std::move(inside.items);
     return visited;
 }
 

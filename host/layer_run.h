@@ -43,13 +43,13 @@ class LayerRun {
     struct Answer {
         uint32_t code = 0;
         uint32_t kind = 0;
-        PixelRect area;    ///< written, inside the image
-        Layer attributes;  ///< without pixels
+        PixelRect area{};  ///< written, inside the image
+        LayerAttributes attributes{};
     };
 
     bool BeginPhase(int phase);
     void VisitItems();
-    void VisitFolder(Folder& folder, int32_t item);
+    void VisitFolder(Folder& folder, LayerPosition& next);
     void Visit(Visited& visited, LayerPosition position);
     bool Show(Visited& visited, LayerPosition position);
     Answer Ask(const Visited& visited, LayerPosition position, std::vector<RGBA16>& produced) const;

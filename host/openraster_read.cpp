@@ -1,63 +1,83 @@
-#include <zip.h>
-
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstring>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
-#include "host/flatten.h"
 #include "host/image_file.h"
+#include "host/layer_png.h"
 #include "host/memory_limit.h"
 #include "host/openraster.h"
+#include "host/openraster_stack.h"
 #include "host/raster_file.h"
 
 namespace imgbasic::host {
 namespace {
 
 /// More is no stack of layers that a person made, whatever the archive declares.
-constexpr size_t kLargestStackXml = size_t{16} << 20;
-/// The same for a layer's file; the picture in it is limited by the memory besides.
-constexpr size_t kLargestLayerFile = size_t{1} << 30;
+constexpr uint64_t kLargestStackXml = uint64_t{16} << 20;
+/// The same for what a picture's file holds beside the pixels.
+constexpr uint64_t kLargestMetadata = uint64_t{16} << 20;
 constexpr int kDeepestStack = 64;
 
-struct Close {
-    void operator()(zip_t* archive) const { zip_discard(archive); }
-    void operator()(zip_file_t* entry) const { zip_fclose(entry); }
-};
+/// A file claims more than is read.
+[[noreturn]] void FailAsTooLarge(const std::string& user, const ZipReader::Entry& entry,
+                                 const std::string& limit) {
+    throw FileError(user + ": the file \"" + entry.name + "\" in the archive claims " +
+                    std::to_string(entry.size >> 20) + " MiB, more than " + limit +
+                    "; save it anew");
+}
+
+/// A rectangle at (x, y), as far as coordinates reach.
+PixelRect RectAt(int32_t x, int32_t y, int32_t width, int32_t height) {
+    const auto end = [](int32_t begin, int32_t length) {
+        const int64_t sum = int64_t{begin} + length;
+        return static_cast<int32_t>(std::min<int64_t>(sum, std::numeric_limits<int32_t>::max()));
+    };
+    return {x, y, end(x, width), end(y, height)};
+}
 
 class Reader {
   public:
-    Reader(const std::string& path, std::vector<std::string>& notes)
-        : path_(path), notes_(notes), archive_(zip_open(path.c_str(), ZIP_RDONLY, nullptr)) {
-        if (!archive_) {
-            Fail("is a damaged or incomplete archive; get another copy of it");
-        }
-    }
+    Reader(const std::string& path, Detail detail, std::vector<std::string>& notes)
+        : path_(path),
+          detail_(detail),
+          notes_(notes),
+          source_(std::make_shared<OpenRasterSource>(path)) {}
 
     Document Read() {
-        const std::vector<std::byte> text = Content("stack.xml", kLargestStackXml, path_);
-        pugi::xml_document xml;
-        if (!xml.load_buffer(text.data(), text.size())) {
+        const ZipReader::Entry entry = source_->archive.Find("stack.xml", path_);
+        if (entry.size > kLargestStackXml) {
+            FailAsTooLarge(path_, entry, "the 16 that are read");
+        }
+        const std::vector<std::byte> text = source_->archive.Content(entry, path_);
+        if (!source_->stack.load_buffer(
+                text.data(), text.size(),
+                pugi::parse_full | pugi::parse_ws_pcdata | pugi::parse_fragment)) {
             Fail("its stack.xml is no well-formed XML; get another copy of it");
         }
-        const pugi::xml_node image = xml.child("image");
+        const pugi::xml_node image = source_->stack.child("image");
         const pugi::xml_node stack = image.child("stack");
         if (!stack) {
             Fail("its stack.xml describes no image; get another copy of it");
         }
-        width_ = Size(image, "w");
-        height_ = Size(image, "h");
-        RequireMemory(
-            path_, width_, height_,
-            std::max(image.select_nodes("//layer | /image/stack/stack//stack").size(), size_t{1}));
-        Document document{width_, height_, 8, ReadItems(stack, 0)};
+        source_->width = Size(image, "w");
+        source_->height = Size(image, "h");
+        const size_t layers = stack.select_nodes(".//layer").size();
+        if (layers == 0) {
+            Fail("has no layers; open it in a paint program and save it with one");
+        }
+        if (detail_ == Detail::Everything) {
+            RequireMemory(path_, source_->width, source_->height, layers);
+        }
+        Document document{source_->width, source_->height, 8, ReadItems(stack, 0)};
         const std::string_view depth = image.attribute(kOpenRasterDepthAttribute).value();
-        document.bitDepth = depth == "8" || (depth != "16" && !deepLayers_) ? 8 : 16;
+        document.bitDepth = depth == "8" || (depth != "16" && !hasDeepLayers_) ? 8 : 16;
+        if (detail_ == Detail::Everything) {
+            document.source = source_;
+        }
         return document;
     }
 
@@ -66,58 +86,23 @@ class Reader {
         throw FileError(path_ + ": " + fault);
     }
 
-    /// The entry's bytes; `user` is who needs it, for errors.
-    std::vector<std::byte> Content(const std::string& entry, size_t largest,
-                                   const std::string& user) const {
-        zip_stat_t stat;
-        if (zip_stat(archive_.get(), entry.c_str(), 0, &stat) != 0) {
-            throw FileError(user + ": the archive has no file \"" + entry +
-                            "\"; get another copy of it");
-        }
-        if (stat.size > largest) {
-            throw FileError(user + ": the file \"" + entry + "\" in the archive claims " +
-                            std::to_string(stat.size >> 20) + " MiB, more than the " +
-                            std::to_string(largest >> 20) + " that are read; save it anew");
-        }
-        const std::unique_ptr<zip_file_t, Close> file(
-            zip_fopen_index(archive_.get(), stat.index, 0));
-        std::vector<std::byte> content(stat.size);
-        size_t count = 0;
-        while (file && count < content.size()) {
-            const zip_int64_t part =
-                zip_fread(file.get(), content.data() + count, content.size() - count);
-            if (part <= 0) {
-                break;
-            }
-            count += static_cast<size_t>(part);
-        }
-        if (!file || count < content.size()) {
-            throw FileError(user + ": the file \"" + entry +
-                            "\" in the archive is damaged; get another copy of it");
-        }
-        return content;
+    /// Fails because of an attribute that is to be a number.
+    [[noreturn]] void FailAt(pugi::xml_node node, const char* name) const {
+        Fail(std::string("its stack.xml gives the ") + node.name() + " \"" +
+             node.attribute("name").value() + "\" " + name + "=\"" + node.attribute(name).value() +
+             "\", which is no usable number; save it anew");
     }
 
-    template <typename Number>
-    Number Attribute(pugi::xml_node node, const char* name, Number absent) const {
-        const pugi::xml_attribute attribute = node.attribute(name);
-        if (!attribute) {
-            return absent;
+    int32_t Integer(pugi::xml_node node, const char* name) const {
+        const std::optional<int32_t> number = NumberOf(node.attribute(name), 0);
+        if (!number) {
+            FailAt(node, name);
         }
-        const char* const text = attribute.value();
-        const char* const end = text + std::strlen(text);
-        Number number{};
-        const auto [rest, error] = std::from_chars(text, end, number);
-        if (error != std::errc{} || rest != end || !std::isfinite(static_cast<double>(number))) {
-            Fail(std::string("its stack.xml gives the ") + node.name() + " \"" +
-                 node.attribute("name").value() + "\" " + name + "=\"" + text +
-                 "\", which is no usable number; save it anew");
-        }
-        return number;
+        return *number;
     }
 
     int32_t Size(pugi::xml_node image, const char* name) const {
-        const int32_t size = Attribute<int32_t>(image, name, 0);
+        const int32_t size = Integer(image, name);
         if (size <= 0) {
             Fail(std::string("its stack.xml gives the image no usable size (") + name +
                  "); save it anew");
@@ -131,96 +116,118 @@ class Reader {
         }
         std::vector<Item> items;
         for (const pugi::xml_node node : stack.children()) {
-            if (std::string_view(node.name()) == "layer") {
+            if (IsElement(node, "layer")) {
                 items.emplace_back(ReadLayer(node));
-            } else if (std::string_view(node.name()) == "stack") {
-                items.emplace_back(depth == 0 ? Item(ReadFolder(node, depth))
-                                              : Item(Joined(node, depth)));
+            } else if (IsElement(node, "stack")) {
+                Folder folder;
+                ReadAttributes(node, folder);
+                folder.isolated = IsIsolated(node);
+                folder.origin =
+                    std::make_shared<OpenRasterElement>(OpenRasterElement{node, source_});
+                folder.items = ReadItems(node, depth + 1);
+                items.emplace_back(std::move(folder));
+            } else if (IsElement(node, "text") || IsElement(node, "filter")) {
+                notes_.push_back(path_ + ": the " + node.name() + " \"" +
+                                 node.attribute("name").value() + "\" is kept but not drawn");
             }
         }
         return items;
     }
 
-    Folder ReadFolder(pugi::xml_node node, int depth) {
-        Folder folder;
-        ReadAttributes(node, folder);
-        for (Item& item : ReadItems(node, depth + 1)) {
-            folder.layers.push_back(std::get<Layer>(std::move(item)));
+    void ReadAttributes(pugi::xml_node node, LayerAttributes& member) {
+        const std::optional<LayerAttributes> read = AttributesIn(node);
+        if (!read) {
+            FailAt(node, "opacity");
         }
-        return folder;
-    }
-
-    /// A stack that is deeper than folders go, as the one layer that it looks like.
-    Layer Joined(pugi::xml_node node, int depth) {
-        Layer layer;
-        ReadAttributes(node, layer);
-        layer.pixels = Flatten({width_, height_, 16, ReadItems(node, depth + 1)});
-        layer.bounds = BoundsOf(layer.pixels, width_, height_);
-        notes_.push_back(path_ + ": the folder \"" + layer.name +
-                         "\" lies inside another one and was joined into one layer");
-        return layer;
+        member = *read;
     }
 
     Layer ReadLayer(pugi::xml_node node) {
         Layer layer;
         ReadAttributes(node, layer);
-        const std::string source = node.attribute("src").value();
         const std::string user = path_ + ": layer \"" + layer.name + "\"";
-        const std::vector<std::byte> file = Content(source, kLargestLayerFile, user);
+        const ZipReader::Entry entry = source_->archive.Find(node.attribute("src").value(), user);
+        const std::string file = user + ", file \"" + entry.name + "\"";
+        const PngHeader header = Header(entry, file);
+        hasDeepLayers_ = hasDeepLayers_ || header.bitDepth == 16;
+        const int32_t x = Integer(node, "x");
+        const int32_t y = Integer(node, "y");
+        if (detail_ == Detail::Outline) {
+            layer.bounds = RectAt(x, y, header.width, header.height);
+            return layer;
+        }
         Picture picture =
-            DecodeRaster(file, RasterFormat::Png, user + ", file \"" + source + "\"", notes_);
-        deepLayers_ = deepLayers_ || picture.bitDepth == 16;
-        layer.pixels = Placed(std::move(picture), Attribute<int32_t>(node, "x", 0),
-                              Attribute<int32_t>(node, "y", 0));
-        layer.bounds = BoundsOf(layer.pixels, width_, height_);
+            DecodeRaster(source_->archive.Content(entry, user), RasterFormat::Png, file, notes_);
+        OpenRasterElement origin{node, source_, RectAt(x, y, picture.width, picture.height)};
+        origin.isDeep = header.bitDepth == 16;
+        origin.holdsOutside = HoldsOutside(picture, origin.place);
+        layer.pixels = Placed(std::move(picture), origin.place);
+        layer.bounds = BoundsOf(layer.pixels, source_->width, source_->height);
+        origin.fingerprint = Fingerprint(layer.pixels);
+        layer.origin = std::make_shared<OpenRasterElement>(std::move(origin));
         return layer;
     }
 
-    /// The image's pixels, empty but for `picture` at (x, y).
-    std::vector<RGBA16> Placed(Picture picture, int64_t x, int64_t y) const {
-        if (x == 0 && y == 0 && picture.width == width_ && picture.height == height_) {
+    /// What a layer's file says about itself before any memory is taken for it.
+    PngHeader Header(const ZipReader::Entry& entry, const std::string& file) const {
+        const std::vector<std::byte> head = source_->archive.Head(entry, kPngHeaderSize, file);
+        const std::optional<PngHeader> header = PngHeaderOf(head);
+        if (!header) {
+            throw FileError(file + ": is no PNG or damaged; get another copy of it");
+        }
+        RequireMemory(file, header->width, header->height, 1);
+        // Deflate adds less than a thousandth to what it cannot reduce.
+        const auto area =
+            static_cast<uint64_t>(header->width) * static_cast<uint64_t>(header->height);
+        if (entry.size > area * 9 + kLargestMetadata) {
+            FailAsTooLarge(file, entry,
+                           std::to_string(header->width) + " x " + std::to_string(header->height) +
+                               " pixels need");
+        }
+        return *header;
+    }
+
+    bool HoldsOutside(const Picture& picture, const PixelRect& place) const {
+        const PixelRect inside = ClipToImage(place, source_->width, source_->height);
+        if (inside == place) {
+            return false;
+        }
+        const PixelRect held = BoundsOf(picture.pixels, picture.width, picture.height);
+        return !held.IsEmpty() &&
+               (inside.IsEmpty() || held.left < inside.left - place.left ||
+                held.top < inside.top - place.top || held.right > inside.right - place.left ||
+                held.bottom > inside.bottom - place.top);
+    }
+
+    /// The image's pixels, empty but for `picture` at its place.
+    std::vector<RGBA16> Placed(Picture picture, const PixelRect& place) const {
+        const int32_t width = source_->width;
+        const int32_t height = source_->height;
+        if (place == PixelRect{0, 0, width, height}) {
             return std::move(picture.pixels);
         }
-        std::vector<RGBA16> pixels(PixelCount(width_, height_));
-        const int64_t left = std::max<int64_t>(x, 0);
-        const int64_t right = std::min<int64_t>(x + picture.width, width_);
-        const int64_t bottom = std::min<int64_t>(y + picture.height, height_);
-        for (int64_t row = std::max<int64_t>(y, 0); row < bottom && left < right; ++row) {
-            const auto source = picture.pixels.begin() + (row - y) * picture.width;
-            std::copy(source + (left - x), source + (right - x),
-                      pixels.begin() + row * width_ + left);
+        std::vector<RGBA16> pixels(PixelCount(width, height));
+        const PixelRect inside = ClipToImage(place, width, height);
+        for (int32_t y = inside.top; y < inside.bottom; ++y) {
+            const int64_t first =
+                (int64_t{y} - place.top) * picture.width + inside.left - place.left;
+            std::copy_n(picture.pixels.begin() + first, inside.Width(),
+                        pixels.begin() + int64_t{y} * width + inside.left);
         }
         return pixels;
     }
 
-    template <typename LayerOrFolder>
-    void ReadAttributes(pugi::xml_node node, LayerOrFolder& member) {
-        member.name = node.attribute("name").value();
-        const double opacity = std::clamp(Attribute<double>(node, "opacity", 1.0), 0.0, 1.0);
-        member.opacity = static_cast<uint32_t>(std::lround(opacity * 100));
-        member.visible = std::string_view(node.attribute("visibility").value()) != "hidden";
-        member.clip = std::string_view(node.attribute("alpha-preserve").value()) == "true";
-        const std::string_view operation = node.attribute("composite-op").as_string("svg:src-over");
-        if (operation == "svg:plus") {
-            member.kind = CompositionKind::Additive;
-        } else if (operation != "svg:src-over") {
-            notes_.push_back(path_ + ": the " + node.name() + " \"" + member.name + "\" is " +
-                             std::string(operation) + ", which is shown as normal");
-        }
-    }
-
     const std::string& path_;
+    Detail detail_;
     std::vector<std::string>& notes_;
-    std::unique_ptr<zip_t, Close> archive_;
-    int32_t width_ = 0;
-    int32_t height_ = 0;
-    bool deepLayers_ = false;  ///< some layer's file has 16 bits a channel
+    std::shared_ptr<OpenRasterSource> source_;
+    bool hasDeepLayers_ = false;  ///< some layer's file has 16 bits a channel
 };
 
 }  // namespace
 
-Document ReadOpenRaster(const std::string& path, std::vector<std::string>& notes) {
-    return Reader(path, notes).Read();
+Document ReadOpenRaster(const std::string& path, Detail detail, std::vector<std::string>& notes) {
+    return Reader(path, detail, notes).Read();
 }
 
 }  // namespace imgbasic::host

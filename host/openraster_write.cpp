@@ -1,101 +1,32 @@
-#include <glib.h>
-#include <zip.h>
-
 #include <algorithm>
-#include <cstring>
-#include <memory>
+#include <map>
 #include <pugixml.hpp>
+#include <set>
 #include <span>
 #include <sstream>
 #include <string_view>
 
 #include "host/flatten.h"
 #include "host/image_file.h"
+#include "host/layer_png.h"
+#include "host/memory_limit.h"
 #include "host/openraster.h"
+#include "host/openraster_stack.h"
 #include "host/raster_file.h"
+#include "host/sample_depth.h"
 
 namespace imgbasic::host {
 namespace {
 
-/// `name` as XML can hold it: what is no UTF-8, and most control characters, become U+FFFD.
-std::string XmlText(const std::string& name) {
-    const std::unique_ptr<char, void (*)(void*)> valid(
-        g_utf8_make_valid(name.data(), static_cast<gssize>(name.size())), g_free);
-    std::string text;
-    for (const char* c = valid.get(); *c != '\0'; ++c) {
-        const bool forbidden = static_cast<unsigned char>(*c) < 0x20 && !std::strchr("\t\n\r", *c);
-        text += forbidden ? "\xEF\xBF\xBD" : std::string(1, *c);
-    }
-    return text;
-}
+constexpr const char* kMimetype = "mimetype";
+constexpr const char* kStack = "stack.xml";
+constexpr const char* kMerged = "mergedimage.png";
+constexpr const char* kThumbnail = "Thumbnails/thumbnail.png";
 
-/// An archive that grows in memory.
-class ZipWriter {
-  public:
-    explicit ZipWriter(std::string name) : name_(std::move(name)) {
-        zip_error_t error;
-        zip_error_init(&error);
-        bytes_.reset(zip_source_buffer_create(nullptr, 0, 0, &error));
-        if (bytes_) {
-            zip_source_keep(bytes_.get());
-            archive_.reset(zip_open_from_source(bytes_.get(), ZIP_TRUNCATE, &error));
-            if (!archive_) {
-                zip_source_free(bytes_.get());
-            }
-        }
-        zip_error_fini(&error);
-        Require(archive_ != nullptr);
-    }
-
-    void Add(const std::string& entry, std::vector<std::byte> content, int32_t method) {
-        contents_.push_back(std::move(content));
-        const std::vector<std::byte>& kept = contents_.back();
-        zip_source_t* const source = zip_source_buffer(archive_.get(), kept.data(), kept.size(), 0);
-        Require(source != nullptr);
-        const zip_int64_t added =
-            zip_file_add(archive_.get(), entry.c_str(), source, ZIP_FL_ENC_UTF_8);
-        if (added < 0) {
-            zip_source_free(source);
-        }
-        Require(added >= 0);
-        const auto index = static_cast<zip_uint64_t>(added);
-        Require(zip_set_file_compression(archive_.get(), index, method, 0) == 0);
-        // A fixed time, 1980-01-01, keeps the archive the same from run to run.
-        constexpr zip_uint16_t kFirstDay = (1 << 5) | 1;
-        Require(zip_file_set_dostime(archive_.get(), index, 0, kFirstDay, 0) == 0);
-    }
-
-    /// The finished archive; at most once.
-    std::vector<std::byte> Finish() {
-        Require(zip_close(archive_.get()) == 0);
-        (void)archive_.release();
-        zip_stat_t stat;
-        Require(zip_source_stat(bytes_.get(), &stat) == 0 && zip_source_open(bytes_.get()) == 0);
-        std::vector<std::byte> archive(stat.size);
-        const zip_int64_t count = zip_source_read(bytes_.get(), archive.data(), archive.size());
-        zip_source_close(bytes_.get());
-        Require(count >= 0 && static_cast<size_t>(count) == archive.size());
-        return archive;
-    }
-
-  private:
-    void Require(bool done) const {
-        if (!done) {
-            throw FileError(name_ +
-                            ": cannot be put together as OpenRaster; try again with more "
-                            "free memory");
-        }
-    }
-
-    struct Free {
-        void operator()(zip_source_t* source) const { zip_source_free(source); }
-        void operator()(zip_t* archive) const { zip_discard(archive); }
-    };
-
-    std::string name_;
-    std::vector<std::vector<std::byte>> contents_;  ///< read when the archive is closed
-    std::unique_ptr<zip_source_t, Free> bytes_;
-    std::unique_ptr<zip_t, Free> archive_;
+/// A layer's new picture, whose file has no name yet.
+struct NewPicture {
+    pugi::xml_node layer;
+    std::vector<std::byte> png;
 };
 
 std::vector<std::byte> BytesOf(std::string_view text) {
@@ -103,71 +34,284 @@ std::vector<std::byte> BytesOf(std::string_view text) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// Writes a document's stack, naming the layers' files as it goes.
-class StackWriter {
-  public:
-    StackWriter(const Document& document, ZipWriter& zip, const std::string& name)
-        : document_(document), zip_(zip), name_(name) {}
+bool IsBlank(pugi::xml_node node) {
+    return node.type() == pugi::node_pcdata &&
+           std::string_view(node.value()).find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
 
-    void Write(pugi::xml_node stack, const Item& item) {
-        std::visit([&](const auto& member) { WriteMember(stack, member); }, item);
+bool FitsDepth8(const Picture& picture) {
+    return std::ranges::all_of(picture.pixels, [](const RGBA16& pixel) {
+        const auto fits = [](uint16_t value) { return FromDepth8(ToDepth8(value)) == value; };
+        return fits(pixel.r) && fits(pixel.g) && fits(pixel.b) && fits(pixel.a);
+    });
+}
+
+PixelRect Union(const PixelRect& a, const PixelRect& b) {
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
+/// Copies where `from`, which lies at `source`, and `to`, which lies at `target`, overlap.
+void CopyOverlap(const std::vector<RGBA16>& from, const PixelRect& source, std::vector<RGBA16>& to,
+                 const PixelRect& target) {
+    const int32_t left = std::max(source.left, target.left);
+    const int32_t right = std::min(source.right, target.right);
+    const int32_t bottom = std::min(source.bottom, target.bottom);
+    for (int32_t y = std::max(source.top, target.top); y < bottom && left < right; ++y) {
+        std::copy_n(from.begin() + (y - source.top) * source.Width() + left - source.left,
+                    right - left,
+                    to.begin() + (y - target.top) * target.Width() + left - target.left);
+    }
+}
+
+class Writer {
+  public:
+    Writer(const Document& document, int bitDepth, const std::string& name)
+        : document_(document),
+          bitDepth_(bitDepth),
+          name_(name),
+          image_{0, 0, document.width, document.height},
+          zip_(name) {
+        if (!document.source) {
+            return;
+        }
+        std::set<std::string> layerFiles;
+        for (const pugi::xpath_node& layer :
+             document.source->stack.select_nodes("/image/stack//layer")) {
+            layerFiles.insert(layer.node().attribute("src").value());
+        }
+        for (ZipReader::Entry& entry : document.source->archive.Entries()) {
+            if (entry.isFirstOfName && !layerFiles.contains(entry.name) &&
+                names_.insert(entry.name).second) {
+                otherFiles_.push_back(std::move(entry));
+            }
+        }
+    }
+
+    std::vector<std::byte> Write() {
+        // First and as it is, so that the archive's kind shows in its first bytes.
+        zip_.Add(kMimetype, BytesOf("image/openraster"), ZIP_CM_STORE);
+        WriteXml();
+        const Picture flat{document_.width, document_.height, bitDepth_, Flatten(document_)};
+        zip_.Add(kMerged, Png(flat), ZIP_CM_STORE);
+        zip_.Add(kThumbnail, WithSrgbProfile(EncodeThumbnail(flat, name_)), ZIP_CM_STORE);
+        for (const ZipReader::Entry& file : otherFiles_) {
+            zip_.Copy(document_.source->archive, file, file.name);
+        }
+        return zip_.Finish();
     }
 
   private:
-    void WriteMember(pugi::xml_node stack, const Layer& layer) {
-        const std::string entry = "data/layer" + std::to_string(count_++) + ".png";
-        pugi::xml_node node = stack.append_child("layer");
-        node.append_attribute("src") = entry.c_str();
-        PixelRect bounds = ClipToImage(layer.bounds, document_.width, document_.height);
-        if (bounds.IsEmpty()) {
+    /// A layer or folder's place in the source; null for one that is new or from elsewhere.
+    const OpenRasterElement* OriginOf(const auto& member) const {
+        const bool isKnown = member.origin && member.origin->source == document_.source;
+        return isKnown ? member.origin.get() : nullptr;
+    }
+
+    void WriteXml() {
+        pugi::xml_document xml;
+        if (!document_.source) {
+            pugi::xml_node image = xml.append_child("image");
+            image.append_attribute("version") = "0.0.5";
+            WriteImage(image);
+            WriteStack(image.append_child("stack"), document_.items, {});
+        } else {
+            WriteAround(xml.root(), document_.source->stack.root(), "image",
+                        [&](pugi::xml_node from) {
+                            pugi::xml_node image = CopyElement(xml.root(), from);
+                            WriteImage(image);
+                            WriteAround(image, from, "stack", [&](pugi::xml_node stack) {
+                                WriteStack(CopyElement(image, stack), document_.items, stack);
+                            });
+                        });
+        }
+        // After the files that stay, so that those keep their names.
+        for (NewPicture& picture : pictures_) {
+            const std::string file = FreeName(picture.layer.attribute("src").value());
+            StoreAttribute(picture.layer, "src", file);
+            zip_.Add(file, std::move(picture.png), ZIP_CM_STORE);
+        }
+        StoreDepth(xml.child("image"));
+        std::ostringstream text;
+        xml.save(text, " ", document_.source ? pugi::format_raw : pugi::format_indent,
+                 pugi::encoding_utf8);
+        zip_.Add(kStack, BytesOf(text.view()), ZIP_CM_DEFLATE);
+    }
+
+    /// Copies what `from` holds; the first element called `name` is left to `write`.
+    template <typename Function>
+    static void WriteAround(pugi::xml_node to, pugi::xml_node from, const char* name,
+                            Function write) {
+        const pugi::xml_node chosen = from.child(name);
+        for (const pugi::xml_node node : from.children()) {
+            if (node == chosen) {
+                write(node);
+            } else {
+                Keep(to, node);
+            }
+        }
+    }
+
+    static void Keep(pugi::xml_node to, pugi::xml_node node) {
+        pugi::xml_node copy = to.append_copy(node);
+        if (node.type() == pugi::node_declaration && copy.attribute("encoding")) {
+            copy.attribute("encoding") = "UTF-8";
+        }
+    }
+
+    /// The element with its attributes but not what it holds.
+    static pugi::xml_node CopyElement(pugi::xml_node to, pugi::xml_node from) {
+        pugi::xml_node node = to.append_child(from.name());
+        for (const pugi::xml_attribute attribute : from.attributes()) {
+            node.append_copy(attribute);
+        }
+        return node;
+    }
+
+    void WriteImage(pugi::xml_node image) {
+        StoreAttribute(image, "w", std::to_string(document_.width));
+        StoreAttribute(image, "h", std::to_string(document_.height));
+    }
+
+    /// Tells the depth where the layers' files alone would mislead.
+    void StoreDepth(pugi::xml_node image) const {
+        if (image.attribute(kOpenRasterDepthAttribute) || hasDeepLayers_ != (bitDepth_ == 16)) {
+            StoreAttribute(image, kOpenRasterDepthAttribute, std::to_string(bitDepth_));
+        }
+    }
+
+    /// Writes the items among those nodes of their old stack, `from`, that are none.
+    void WriteStack(pugi::xml_node to, const std::vector<Item>& items, pugi::xml_node from) {
+        pugi::xml_node rest = from.first_child();
+        const auto keepUntil = [&](pugi::xml_node end) {
+            for (; rest && rest != end; rest = rest.next_sibling()) {
+                if (!IsElement(rest, "layer") && !IsElement(rest, "stack")) {
+                    Keep(to, rest);
+                }
+            }
+        };
+        for (const Item& item : items) {
+            std::visit(
+                [&](const auto& member) {
+                    const OpenRasterElement* const origin = OriginOf(member);
+                    if (origin != nullptr && origin->node.parent() == from) {
+                        keepUntil(origin->node);
+                        rest = rest.next_sibling();
+                    } else if (IsBlank(rest)) {
+                        // The indentation of those around it.
+                        to.append_copy(rest);
+                    }
+                    WriteMember(to, member, origin);
+                },
+                item);
+        }
+        keepUntil({});
+    }
+
+    void WriteMember(pugi::xml_node stack, const Folder& folder, const OpenRasterElement* origin) {
+        const pugi::xml_node from = origin != nullptr ? origin->node : pugi::xml_node();
+        pugi::xml_node node = from ? CopyElement(stack, from) : stack.append_child("stack");
+        if (!from || IsIsolated(from) != folder.isolated) {
+            StoreAttribute(node, "isolation", folder.isolated ? "isolate" : "auto");
+        }
+        StoreAttributes(node, !from, folder);
+        WriteStack(node, folder.items, from);
+    }
+
+    void WriteMember(pugi::xml_node stack, const Layer& layer, const OpenRasterElement* origin) {
+        pugi::xml_node node =
+            origin != nullptr ? stack.append_copy(origin->node) : stack.append_child("layer");
+        if (origin != nullptr && IsUnchanged(layer, *origin)) {
+            StoreAttribute(node, "src", CopiedFile(origin->node.attribute("src").value()));
+            hasDeepLayers_ = hasDeepLayers_ || origin->isDeep;
+        } else {
+            WritePicture(node, layer, origin);
+        }
+        StoreAttributes(node, origin == nullptr, layer);
+    }
+
+    bool KeepsSize() const {
+        return document_.source->width == document_.width &&
+               document_.source->height == document_.height;
+    }
+
+    bool IsUnchanged(const Layer& layer, const OpenRasterElement& origin) const {
+        return KeepsSize() && Fingerprint(layer.pixels) == origin.fingerprint;
+    }
+
+    /// Takes a layer's file over, once for all layers that share it; its name in the new archive.
+    std::string CopiedFile(const std::string& source) {
+        const auto [known, isNew] = copied_.try_emplace(source);
+        if (isNew) {
+            known->second = FreeName(source);
+            const ZipReader& archive = document_.source->archive;
+            zip_.Copy(archive, archive.Find(source, name_), known->second);
+        }
+        return known->second;
+    }
+
+    /// Of a layer that has changed, or is new. Its file covers at least what it did.
+    void WritePicture(pugi::xml_node node, const Layer& layer, const OpenRasterElement* origin) {
+        PixelRect place = ClipToImage(layer.bounds, document_.width, document_.height);
+        const bool hasOldPlace = origin != nullptr && KeepsSize();
+        if (hasOldPlace) {
+            place = place.IsEmpty() ? origin->place : Union(place, origin->place);
+        } else if (place.IsEmpty()) {
             // A picture file holds at least one pixel.
-            bounds = {0, 0, 1, 1};
+            place = {0, 0, 1, 1};
         }
-        node.append_attribute("x") = bounds.left;
-        node.append_attribute("y") = bounds.top;
-        WriteAttributes(node, layer);
-        zip_.Add(entry, EncodeRaster(Cropped(layer, bounds), RasterFormat::Png, name_, notes_),
-                 ZIP_CM_STORE);
-    }
-
-    void WriteMember(pugi::xml_node stack, const Folder& folder) {
-        pugi::xml_node node = stack.append_child("stack");
-        node.append_attribute("isolation") = "isolate";
-        WriteAttributes(node, folder);
-        for (const Layer& layer : folder.layers) {
-            WriteMember(node, layer);
-        }
-    }
-
-    template <typename LayerOrFolder>
-    static void WriteAttributes(pugi::xml_node node, const LayerOrFolder& member) {
-        const uint32_t percent = std::min(member.opacity, 100U);
-        const std::string digits = std::to_string(100 + percent).substr(1);
-        node.append_attribute("name") = XmlText(member.name).c_str();
-        node.append_attribute("opacity") = percent == 100 ? "1.0" : ("0." + digits).c_str();
-        node.append_attribute("visibility") = member.visible ? "visible" : "hidden";
-        node.append_attribute("composite-op") =
-            member.kind == CompositionKind::Additive ? "svg:plus" : "svg:src-over";
-        if (member.clip) {
-            node.append_attribute("alpha-preserve") = "true";
-        }
-    }
-
-    Picture Cropped(const Layer& layer, const PixelRect& bounds) const {
+        RequireMemory(name_, place.Width(), place.Height(), 1);
         Picture picture{
-            static_cast<int32_t>(bounds.Width()), static_cast<int32_t>(bounds.Height()), 16, {}};
-        picture.pixels.reserve(PixelCount(picture.width, picture.height));
-        for (int32_t y = bounds.top; y < bounds.bottom; ++y) {
-            const auto row = layer.pixels.begin() + int64_t{y} * document_.width;
-            picture.pixels.insert(picture.pixels.end(), row + bounds.left, row + bounds.right);
+            static_cast<int32_t>(place.Width()), static_cast<int32_t>(place.Height()), 16, {}};
+        picture.pixels.resize(PixelCount(picture.width, picture.height));
+        if (hasOldPlace && origin->holdsOutside) {
+            CopyOverlap(OldPixels(*origin), origin->place, picture.pixels, place);
         }
-        return picture;
+        CopyOverlap(layer.pixels, image_, picture.pixels, place);
+        picture.bitDepth = bitDepth_ == 8 && FitsDepth8(picture) ? 8 : 16;
+        hasDeepLayers_ = hasDeepLayers_ || picture.bitDepth == 16;
+        pictures_.push_back({node, Png(picture)});
+        if (origin == nullptr || NumberOf(node.attribute("x"), 0) != place.left) {
+            StoreAttribute(node, "x", std::to_string(place.left));
+        }
+        if (origin == nullptr || NumberOf(node.attribute("y"), 0) != place.top) {
+            StoreAttribute(node, "y", std::to_string(place.top));
+        }
+    }
+
+    /// The pixels of the layer's file, those outside the image included.
+    std::vector<RGBA16> OldPixels(const OpenRasterElement& origin) const {
+        const ZipReader& archive = document_.source->archive;
+        const std::string file = origin.node.attribute("src").value();
+        std::vector<std::string> notes;
+        return DecodeRaster(archive.Content(archive.Find(file, name_), name_), RasterFormat::Png,
+                            name_ + ", file \"" + file + "\"", notes)
+            .pixels;
+    }
+
+    std::vector<std::byte> Png(const Picture& picture) const {
+        std::vector<std::string> notes;  // stays empty: PNG keeps everything
+        return WithSrgbProfile(EncodeRaster(picture, RasterFormat::Png, name_, notes));
+    }
+
+    /// A name that no file of the new archive has; `wanted`, if that is one.
+    std::string FreeName(std::string wanted) {
+        while (wanted.empty() || !names_.insert(wanted).second) {
+            wanted = "data/layer" + std::to_string(count_++) + ".png";
+        }
+        return wanted;
     }
 
     const Document& document_;
-    ZipWriter& zip_;
+    int bitDepth_;
     const std::string& name_;
-    std::vector<std::string> notes_;  ///< stays empty: PNG keeps everything
+    PixelRect image_;
+    ZipWriter zip_;
+    std::set<std::string> names_{kMimetype, kStack, kMerged, kThumbnail};  ///< given away
+    std::map<std::string, std::string> copied_;  ///< the old and new names of layers' files
+    std::vector<ZipReader::Entry> otherFiles_;   ///< of the source, not ours to know
+    std::vector<NewPicture> pictures_;
+    bool hasDeepLayers_ = false;  ///< some layer's file has 16 bits a channel
     int count_ = 0;
 };
 
@@ -175,30 +319,7 @@ class StackWriter {
 
 std::vector<std::byte> EncodeOpenRaster(const Document& document, int bitDepth,
                                         const std::string& name) {
-    ZipWriter zip(name);
-    // First and as it is, so that the archive's kind shows in its first bytes.
-    zip.Add("mimetype", BytesOf("image/openraster"), ZIP_CM_STORE);
-
-    pugi::xml_document xml;
-    pugi::xml_node image = xml.append_child("image");
-    image.append_attribute("version") = "0.0.5";
-    image.append_attribute("w") = document.width;
-    image.append_attribute("h") = document.height;
-    image.append_attribute(kOpenRasterDepthAttribute) = bitDepth;
-    pugi::xml_node stack = image.append_child("stack");
-    StackWriter layers(document, zip, name);
-    for (const Item& item : document.items) {
-        layers.Write(stack, item);
-    }
-    std::ostringstream text;
-    xml.save(text, " ");
-    zip.Add("stack.xml", BytesOf(text.view()), ZIP_CM_DEFLATE);
-
-    const Picture flat{document.width, document.height, bitDepth, Flatten(document)};
-    std::vector<std::string> notes;
-    zip.Add("mergedimage.png", EncodeRaster(flat, RasterFormat::Png, name, notes), ZIP_CM_STORE);
-    zip.Add("Thumbnails/thumbnail.png", EncodeThumbnail(flat, name), ZIP_CM_STORE);
-    return zip.Finish();
+    return Writer(document, bitDepth, name).Write();
 }
 
 }  // namespace imgbasic::host

@@ -23,6 +23,7 @@ struct FilterCommand {
     std::vector<std::filesystem::path> inputs;
     std::filesystem::path output;
     SaveOptions save;
+    bool acceptLoss = false;  ///< go on where the result cannot keep everything
     size_t jobs = 1;
     bool quiet = false;
     bool verbose = false;

@@ -188,6 +188,9 @@ void AddFiles(App& app, FilterCommand& command) {
         ->type_name("BITS")
         ->group(kOutputGroup);
     app.add_flag("--force", command.save.overwrite, "Overwrite what exists")->group(kOutputGroup);
+    app.add_flag("--accept-loss", command.acceptLoss,
+                 "Go on where a layered result cannot keep or show everything")
+        ->group(kOutputGroup);
     app.add_option("--jobs", command.jobs, "Worker processes for several inputs (1)")
         ->check(Between(1, 1024))
         ->type_name("N")

@@ -7,6 +7,7 @@
 #include "host/cli/report.h"
 #include "host/cli/settings_command.h"
 #include "host/memory_limit.h"
+#include "host/openraster.h"
 
 namespace imgbasic::host {
 namespace {
@@ -29,7 +30,7 @@ LayerPosition CurrentPosition(const FilterCommand& command, const Document& docu
     if (position.layer >= 0 && folder == nullptr) {
         throw JobError(layer + " is no folder; leave out --sub-layer");
     }
-    if (position.layer >= 0 && position.layer >= static_cast<int32_t>(folder->layers.size())) {
+    if (position.layer >= 0 && position.layer >= static_cast<int32_t>(CountLayers(folder->items))) {
         throw JobError(layer + " has no layer " + std::to_string(position.layer) +
                        " inside; `imgbasic info` lists them");
     }
@@ -39,13 +40,16 @@ LayerPosition CurrentPosition(const FilterCommand& command, const Document& docu
     return position;
 }
 
-size_t CountLayers(const Document& document) {
-    size_t count = 0;
-    for (const Item& item : document.items) {
-        const auto* folder = std::get_if<Folder>(&item);
-        count += folder != nullptr ? folder->layers.size() : 1;
+/// Refuses a run whose result could not keep all that it was not asked to change, or tells what.
+void CheckLosses(const FilterCommand& command, const FileJob& job, const Document& document,
+                 bool resizes, const Report& report) {
+    const std::vector<std::string> losses = LossesOf(document, resizes && KeepsLayers(job.output));
+    for (const std::string& loss : losses) {
+        if (!command.acceptLoss) {
+            throw JobError(loss + "; --accept-loss goes on all the same");
+        }
+        report.Note(job.input.string() + ": " + loss);
     }
-    return count;
 }
 
 RunRequest RequestFor(const FilterCommand& command, const FileJob& job, const Document& document,
@@ -62,7 +66,7 @@ RunRequest RequestFor(const FilterCommand& command, const FileJob& job, const Do
     request.options.insert(request.options.end(), command.options.begin(), command.options.end());
     if (!command.size.IsEmpty()) {
         const PixelSize size = ScaledSize(command.size, {document.width, document.height});
-        RequireMemory(job.input.string(), size.width, size.height, CountLayers(document) + 1);
+        RequireMemory(job.input.string(), size.width, size.height, CountLayers(document.items) + 1);
         request.options.push_back(Option(command.filter, "newWidth", size.width));
         request.options.push_back(Option(command.filter, "newHeight", size.height));
     }
@@ -123,6 +127,7 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
     for (const std::string& note : notes) {
         report.Note(note);
     }
+    CheckLosses(command, job, document, module.isSizeChange(command.filter.c_str()), report);
     const RunRequest request = RequestFor(command, job, document, reference);
     const Stopwatch stopwatch;
     const RunOutcome outcome = RunFilter(module, document, request);

@@ -4,6 +4,7 @@
 
 #include "host/cli/text_table.h"
 #include "host/image_file.h"
+#include "host/openraster.h"
 #include "host/shift_jis.h"
 #include "plugin/imgbasic/filters.h"
 
@@ -11,6 +12,18 @@ namespace imgbasic::host {
 namespace {
 
 constexpr const char* kKindNames[] = {"normal", "normal", "additive"};
+
+/// What is not the module's has the name that files give it.
+std::string KindName(const LayerAttributes& member) {
+    const auto kind = static_cast<size_t>(member.kind);
+    return kind < std::size(kKindNames) ? kKindNames[kind] : CompositeOperation(member);
+}
+
+std::string PercentText(double percent) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4g %%", percent);
+    return text;
+}
 
 std::string YesOrNo(bool value) {
     return value ? "yes" : "no";
@@ -25,36 +38,48 @@ std::string BoundsText(const PixelRect& bounds) {
 }
 
 /// The columns that layers and folders share.
-TextRow LayerRow(const std::string& position, const auto& layer, const std::string& content) {
+TextRow RowOf(const std::string& position, size_t depth, const LayerAttributes& member,
+              const std::string& place) {
     std::string remarks;
-    if (layer.clip) {
+    if (member.clip) {
         remarks += "clipped ";
     }
-    if (!layer.visible) {
+    if (!member.visible) {
         remarks += "hidden";
     }
     return {position,
-            layer.name,
-            content,
-            kKindNames[static_cast<uint32_t>(layer.kind)],
-            std::to_string(layer.opacity) + " %",
+            std::string(2 * depth, ' ') + member.name,
+            place,
+            KindName(member),
+            PercentText(member.opacity),
             remarks};
+}
+
+/// A folder's members; `next` is the number of its next layer, those of inner folders counted.
+void AddMembers(std::vector<TextRow>& rows, const std::string& item, size_t depth,
+                const std::vector<Item>& members, size_t& next) {
+    for (const Item& member : members) {
+        if (const auto* folder = std::get_if<Folder>(&member)) {
+            rows.push_back(RowOf("", depth, *folder, "folder"));
+            AddMembers(rows, item, depth + 1, folder->items, next);
+        } else {
+            const auto& layer = std::get<Layer>(member);
+            rows.push_back(RowOf("  " + item + " " + std::to_string(next++), depth, layer,
+                                 BoundsText(layer.bounds)));
+        }
+    }
 }
 
 void AddItem(std::vector<TextRow>& rows, size_t index, const Item& item) {
     const std::string position = std::to_string(index);
     if (const auto* layer = std::get_if<Layer>(&item)) {
-        rows.push_back(LayerRow(position, *layer, BoundsText(layer->bounds)));
+        rows.push_back(RowOf(position, 0, *layer, BoundsText(layer->bounds)));
         return;
     }
     const auto& folder = std::get<Folder>(item);
-    rows.push_back(LayerRow(position, folder, "folder"));
-    for (size_t sub = 0; sub < folder.layers.size(); ++sub) {
-        const Layer& layer = folder.layers[sub];
-        rows.push_back(
-            LayerRow("  " + position + " " + std::to_string(sub), layer, BoundsText(layer.bounds)));
-        rows.back()[1].insert(0, "  ");
-    }
+    rows.push_back(RowOf(position, 0, folder, "folder"));
+    size_t next = 0;
+    AddMembers(rows, position, 1, folder.items, next);
 }
 
 void Print(const std::string& text) {
@@ -79,14 +104,14 @@ void ListFilters(const Module& module) {
 
 void ShowFile(const std::filesystem::path& path) {
     std::vector<std::string> notes;
-    const Document document = LoadDocument(path, &notes);
+    const Document document = LoadDocument(path, &notes, Detail::Outline);
     Print(path.string() + ": " + std::to_string(document.width) + " x " +
           std::to_string(document.height) + " pixels, " + std::to_string(document.bitDepth) +
           " bits a channel\n");
     for (const std::string& note : notes) {
         Print(note + "\n");
     }
-    std::vector<TextRow> rows{{"LAYER", "NAME", "HOLDS", "KIND", "OPACITY", ""}};
+    std::vector<TextRow> rows{{"LAYER", "NAME", "PLACE", "KIND", "OPACITY", ""}};
     for (size_t index = 0; index < document.items.size(); ++index) {
         AddItem(rows, index, document.items[index]);
     }

@@ -93,9 +93,10 @@ Document SampleDocument() {
     document.items.emplace_back(FilledLayer("top", kRed));
     Folder folder;
     folder.name = "folder";
-    folder.layers = {FilledLayer("in0", kRed), FilledLayer("in1", kRed)};
-    folder.layers[0].visible = true;
-    folder.layers[0].clip = false;
+    Layer in0 = FilledLayer("in0", kRed);
+    in0.visible = true;
+    in0.clip = false;
+    folder.items = {in0, FilledLayer("in1", kRed)};
     document.items.emplace_back(folder);
     document.items.emplace_back(FilledLayer("empty", {}));
     document.items.emplace_back(FilledLayer("bottom", kRed));
@@ -103,15 +104,11 @@ Document SampleDocument() {
 }
 
 /// The names from top to bottom, a folder's layers behind it in brackets.
-std::string Names(const Document& document) {
+std::string Names(const std::vector<Item>& items) {
     std::string names;
-    for (const Item& item : document.items) {
+    for (const Item& item : items) {
         if (const auto* folder = std::get_if<Folder>(&item)) {
-            names += folder->name + "( ";
-            for (const Layer& layer : folder->layers) {
-                names += layer.name + " ";
-            }
-            names += ") ";
+            names += folder->name + "( " + Names(folder->items) + ") ";
         } else {
             names += std::get<Layer>(item).name + " ";
         }
@@ -119,8 +116,12 @@ std::string Names(const Document& document) {
     return names;
 }
 
-const Layer& LayerAt(const Document& document, size_t index) {
-    return std::get<Layer>(document.items[index]);
+std::string Names(const Document& document) {
+    return Names(document.items);
+}
+
+const Layer& LayerAt(const auto& documentOrFolder, size_t index) {
+    return std::get<Layer>(documentOrFolder.items[index]);
 }
 
 class DriverTest : public testing::Test {
@@ -292,7 +293,7 @@ TEST_F(DriverTest, GivesEveryLayerTheNewSize) {
     EXPECT_EQ(LayerAt(outcome.document, 0).pixels, std::vector<RGBA16>(35)) << "answered false";
     EXPECT_TRUE(LayerAt(outcome.document, 0).bounds.IsEmpty());
     EXPECT_EQ(LayerAt(outcome.document, 3).bounds, (PixelRect{0, 0, 7, 2}));
-    const auto& inside = std::get<Folder>(outcome.document.items[1]).layers[1];
+    const Layer& inside = LayerAt(std::get<Folder>(outcome.document.items[1]), 1);
     EXPECT_EQ(inside.pixels, std::vector<RGBA16>(35, kGreen));
     EXPECT_EQ(outcome.scaleX, 2);
     EXPECT_EQ(outcome.scaleY, 3);
@@ -412,10 +413,10 @@ TEST_F(RealModule, JoinsTheChannelsOfALayerToTheSameLayerInTheSamePlace) {
         Folder folder;
         folder.name = "folder";
         for (int k = 0; k < 3; ++k) {
-            folder.layers.push_back(random_.AnyLayer(9, 7));
-            folder.layers.back().name +=
-                "😀 a name of more than sixty-four bytes, 空空空空空空空空空空";
-            document.items.insert(document.items.begin(), folder.layers[0]);
+            Layer layer = random_.AnyLayer(9, 7);
+            layer.name += "😀 a name of more than sixty-four bytes, 空空空空空空空空空空";
+            folder.items.emplace_back(layer);
+            document.items.insert(document.items.begin(), folder.items[0]);
         }
         document.items.emplace_back(folder);
         const auto last = static_cast<int32_t>(document.items.size()) - 1;
@@ -429,8 +430,8 @@ TEST_F(RealModule, JoinsTheChannelsOfALayerToTheSameLayerInTheSamePlace) {
             const Document joined = Run(split, {.filter = "chan_merge", .current = position});
             ASSERT_EQ(Names(joined), Names(document));
             EXPECT_TRUE(Contents(LayerAt(joined, 1)) == Contents(LayerAt(document, 1)));
-            EXPECT_TRUE(Contents(std::get<Folder>(joined.items.back()).layers[2]) ==
-                        Contents(folder.layers[2]));
+            EXPECT_TRUE(Contents(LayerAt(std::get<Folder>(joined.items.back()), 2)) ==
+                        Contents(LayerAt(folder, 2)));
         }
     }
 }

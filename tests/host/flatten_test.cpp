@@ -7,17 +7,63 @@
 namespace imgbasic::host {
 namespace {
 
-/// Alpha compositing as it is written in books, in floating point, colours in 0..1.
-RGBA16 SimpleComposite(RGBA16 source, CompositionKind kind, RGBA16 backdrop) {
+constexpr RGBA16 kBlack{0, 0, 0, kFullScale};
+
+using Mix = double (*)(double source, double backdrop);
+
+double Normal(double s, double) {
+    return s;
+}
+
+double Screen(double s, double b) {
+    return b + s - b * s;
+}
+
+double HardLight(double s, double b) {
+    return s <= 0.5 ? b * 2 * s : Screen(2 * s - 1, b);
+}
+
+double SoftLight(double s, double b) {
+    const double d = b <= 0.25 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
+    return s <= 0.5 ? b - (1 - 2 * s) * b * (1 - b) : b + (2 * s - 1) * (d - b);
+}
+
+double ColorDodge(double s, double b) {
+    return b == 0 ? 0 : s == 1 ? 1 : std::min(1.0, b / (1 - s));
+}
+
+double ColorBurn(double s, double b) {
+    return b == 1 ? 1 : s == 0 ? 0 : 1 - std::min(1.0, (1 - b) / s);
+}
+
+const std::pair<CompositionKind, Mix> kMixes[] = {
+    {CompositionKind::Normal, Normal},
+    {CompositionKind::Additive, nullptr},
+    {CompositionKind::Multiply, [](double s, double b) { return s * b; }},
+    {CompositionKind::Screen, Screen},
+    {CompositionKind::Overlay, [](double s, double b) { return HardLight(b, s); }},
+    {CompositionKind::Darken, [](double s, double b) { return std::min(s, b); }},
+    {CompositionKind::Lighten, [](double s, double b) { return std::max(s, b); }},
+    {CompositionKind::ColorDodge, ColorDodge},
+    {CompositionKind::ColorBurn, ColorBurn},
+    {CompositionKind::HardLight, HardLight},
+    {CompositionKind::SoftLight, SoftLight},
+    {CompositionKind::Difference, [](double s, double b) { return std::abs(s - b); }},
+};
+
+/// Compositing as it is written in books, in floating point, colours in 0..1.
+RGBA16 SimpleComposite(RGBA16 source, Mix mix, RGBA16 backdrop) {
     const double full = kFullScale;
     const double as = source.a / full;
     const double ab = backdrop.a / full;
-    const bool plus = kind == CompositionKind::Additive;
-    const double kept = plus ? 1 : 1 - as;
+    const double kept = mix == nullptr ? 1 : 1 - as;
     const double ao = std::min(as + ab * kept, 1.0);
     const auto channel = [&](uint16_t s, uint16_t b) {
-        const double sum = (s / full * as + b / full * ab * kept) / ao;
-        return static_cast<uint16_t>(std::lround(std::min(sum, 1.0) * full));
+        const double cs = s / full;
+        const double cb = b / full;
+        const double mixed = mix == nullptr ? cs : (1 - ab) * cs + ab * mix(cs, cb);
+        return static_cast<uint16_t>(
+            std::lround(std::min((mixed * as + cb * ab * kept) / ao, 1.0) * full));
     };
     return {channel(source.r, backdrop.r), channel(source.g, backdrop.g),
             channel(source.b, backdrop.b), static_cast<uint16_t>(std::lround(ao * full))};
@@ -25,22 +71,59 @@ RGBA16 SimpleComposite(RGBA16 source, CompositionKind kind, RGBA16 backdrop) {
 
 TEST(Flatten, CompositesLikeTheFormulasWithinOneStep) {
     RandomDocuments random(1);
-    for (int i = 0; i < 200'000; ++i) {
-        const RGBA16 source = random.Pixel(16);
-        const RGBA16 backdrop = random.Pixel(16);
-        const auto kind = i % 2 == 0 ? CompositionKind::Normal : CompositionKind::Additive;
+    for (int i = 0; i < 600'000; ++i) {
+        const RGBA16 source = random.Pixel(i % 5 == 0 ? 8 : 16);
+        const RGBA16 backdrop = random.Pixel(i % 5 == 0 ? 8 : 16);
+        const auto& [kind, mix] = kMixes[static_cast<size_t>(i) % std::size(kMixes)];
         if (source.a == 0) {
             ASSERT_EQ(Composite(source, kind, backdrop), backdrop == RGBA16{} ? source : backdrop);
             continue;
         }
         const RGBA16 got = Composite(source, kind, backdrop);
-        const RGBA16 want = SimpleComposite(source, kind, backdrop);
+        const RGBA16 want = SimpleComposite(source, mix, backdrop);
         for (const auto channel : {&RGBA16::r, &RGBA16::g, &RGBA16::b, &RGBA16::a}) {
             // One step where floating point rounds a half the other way.
             ASSERT_LE(std::abs(got.*channel - want.*channel), 1)
                 << i << ": " << source.r << " " << source.a << " over " << backdrop.r << " "
-                << backdrop.a;
+                << backdrop.a << " by " << static_cast<int>(kind);
         }
+    }
+}
+
+TEST(Flatten, ComposesByWorkedNumbers) {
+    using enum CompositionKind;
+    constexpr RGBA16 kRed{0xFF00, 0, 0, 0xFF00};
+    constexpr RGBA16 kBlue{0, 0, 0xFF00, 0xFF00};
+    constexpr RGBA16 kGray{0x8000, 0x8000, 0x8000, 0xFF00};
+    constexpr RGBA16 kFaint{0, 0, 0xFF00, 0x4000};
+    for (const auto& [kind, source, backdrop, want] : {
+             // The luminosity of red is 0.3, of blue 0.11.
+             std::tuple{Hue, kBlue, kRed, RGBA16{13936, 13936, 0xFF00, 0xFF00}},
+             {Saturation, kGray, kRed, {19584, 19584, 19584, 0xFF00}},
+             {Color, kGray, kRed, {19584, 19584, 19584, 0xFF00}},
+             {Luminosity, kRed, kGray, {19584, 19584, 19584, 0xFF00}},
+             {Luminosity, kGray, kBlue, {28750, 28750, 65280, 0xFF00}},
+             // 0x4000 / 0xFF00 is 64 / 255.
+             {DestinationIn, kFaint, kGray, {0x8000, 0x8000, 0x8000, 0x4000}},
+             {DestinationIn, RGBA16{}, kGray, {0x8000, 0x8000, 0x8000, 0}},
+             {DestinationOut, kFaint, kGray, {0x8000, 0x8000, 0x8000, 0xBF00}},
+             {SourceAtop, kFaint, kGray, {24544, 24544, 40928, 0xFF00}},
+             {DestinationAtop, kGray, kFaint, {24544, 24544, 40928, 0xFF00}},
+         }) {
+        EXPECT_EQ(Composite(source, kind, backdrop), want) << static_cast<int>(kind);
+    }
+}
+
+TEST(Flatten, KeepsTheDigitsOfAnOpacity) {
+    for (const auto& [percent, alpha] : {std::pair{12.3456789, 8059},
+                                         {0.001, 1},
+                                         {0.0007, 0},
+                                         {33.3333333, 21760},
+                                         {99.9993, 65280},
+                                         {50.0, 32640}}) {
+        Document document = OneLayer(1, 1, 16, {{1, 2, 3, kFullScale}});
+        std::get<Layer>(document.items[0]).opacity = percent;
+        EXPECT_EQ(Flatten(document)[0].a, alpha) << percent;
     }
 }
 
@@ -66,7 +149,7 @@ TEST(Flatten, AFolderIsTheLayerThatItLooksLike) {
         for (Item& item : document.items) {
             if (const auto* folder = std::get_if<Folder>(&item)) {
                 Document inside{13, 9, 16, {}};
-                inside.items.assign(folder->layers.begin(), folder->layers.end());
+                inside.items = folder->items;
                 Layer layer = LayerOf(Flatten(inside), 13, 9);
                 layer.opacity = folder->opacity;
                 layer.kind = folder->kind;
@@ -96,6 +179,14 @@ TEST(Flatten, AttributesDecideWhatIsShown) {
         shown.visible = false;
         return shown;
     };
+    const auto folder = [](bool isolated, double opacity, const Layer& member) {
+        Folder one;
+        one.isolated = isolated;
+        one.opacity = opacity;
+        one.items = {member};
+        return one;
+    };
+    const Layer multiply = layer(kRed, 100, false, CompositionKind::Multiply);
     const Layer plus = layer(kRed, 100, false, CompositionKind::Additive);
     struct Case {
         const char* what;
@@ -118,6 +209,18 @@ TEST(Flatten, AttributesDecideWhatIsShown) {
               kRed},
              {"clipped to a hidden one", {layer(kRed, 100, true), hidden(layer(kBlue))}, {}},
              {"clipped with nothing below", {layer(kRed, 100, true)}, kRed},
+             {"multiplied into what is below an open folder",
+              {folder(false, 100, multiply), layer(kBlue)},
+              kBlack},
+             {"not seen from inside an isolated one",
+              {folder(true, 100, multiply), layer(kBlue)},
+              kRed},
+             {"nor from one that is translucent",
+              {folder(false, 50, multiply), layer(kBlue)},
+              {kHalf, 0, kHalf, kFullScale}},
+             {"erased outside its source",
+              {layer({}, 100, false, CompositionKind::DestinationIn), layer(kBlue)},
+              {0, 0, 0xFF00, 0}},
              {"base's opacity",
               {layer(kRed, 100, true), layer(kBlue, 50)},
               {kFullScale, 0, 0, kHalf}},

@@ -1,7 +1,6 @@
 #include "host/openraster.h"
 
 #include <gmock/gmock.h>
-#include <zip.h>
 
 #include "host/flatten.h"
 #include "tests/host/test_files.h"
@@ -15,61 +14,36 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-/// Names and contents of an archive's files.
-using Entries = std::vector<std::pair<std::string, std::string>>;
-
 class OpenRaster : public FileTest {
   protected:
-    void WriteZip(const std::string& name, const Entries& entries) const {
-        zip_t* const zip = zip_open(Path(name).c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
-        ASSERT_NE(zip, nullptr);
-        for (const auto& [entry, content] : entries) {
-            zip_source_t* const source = zip_source_buffer(zip, content.data(), content.size(), 0);
-            ASSERT_GE(zip_file_add(zip, entry.c_str(), source, ZIP_FL_ENC_UTF_8), 0);
-        }
-        ASSERT_EQ(zip_close(zip), 0);
-    }
-
-    std::string ZipEntry(const std::string& name, const std::string& entry) const {
-        zip_t* const zip = zip_open(Path(name).c_str(), ZIP_RDONLY, nullptr);
-        zip_stat_t stat;
-        EXPECT_EQ(zip_stat(zip, entry.c_str(), 0, &stat), 0) << entry;
-        std::string content(stat.size, '\0');
-        zip_file_t* const file = zip_fopen(zip, entry.c_str(), 0);
-        EXPECT_EQ(zip_fread(file, content.data(), stat.size), static_cast<int64_t>(stat.size));
-        zip_fclose(file);
-        zip_discard(zip);
-        return content;
-    }
-
-    /// The bytes of a 16-bit PNG of 2 x 1 opaque pixels.
-    std::string LayerFile() const {
-        (void)SaveDocument(OneLayer(2, 1, 16, {kLeft, kRight}), Path("l.png"), {.overwrite = true});
-        return Bytes("l.png");
-    }
+    /// 16-bit, opaque.
+    std::string LayerFile() const { return RowFile(16, {kLeft, kRight}); }
 
     static constexpr RGBA16 kLeft{1, 2, 3, kFullScale};
     static constexpr RGBA16 kRight{4, 5, 6, kFullScale};
 };
 
-/// The layers in order, a folder before its own as a layer without pixels.
-std::vector<Layer> AllLayers(const Document& document) {
-    std::vector<Layer> layers;
-    for (const Item& item : document.items) {
-        if (const auto* folder = std::get_if<Folder>(&item)) {
-            layers.push_back({folder->name,
-                              folder->opacity,
-                              folder->kind,
-                              folder->clip,
-                              folder->visible,
-                              {},
-                              {}});
-            layers.insert(layers.end(), folder->layers.begin(), folder->layers.end());
-        } else {
-            layers.push_back(std::get<Layer>(item));
+auto AttributesOf(const LayerAttributes& member) {
+    return std::tie(member.name, member.opacity, member.kind, member.clip, member.visible);
+}
+
+void ExpectSame(const std::vector<Item>& read, const std::vector<Item>& written) {
+    ASSERT_EQ(read.size(), written.size());
+    for (size_t i = 0; i < read.size(); ++i) {
+        ASSERT_EQ(read[i].index(), written[i].index());
+        if (const auto* folder = std::get_if<Folder>(&read[i])) {
+            const auto& original = std::get<Folder>(written[i]);
+            EXPECT_EQ(AttributesOf(*folder), AttributesOf(original));
+            EXPECT_EQ(folder->isolated, original.isolated);
+            ExpectSame(folder->items, original.items);
+            continue;
         }
+        const auto& layer = std::get<Layer>(read[i]);
+        const auto& original = std::get<Layer>(written[i]);
+        EXPECT_EQ(AttributesOf(layer), AttributesOf(original));
+        EXPECT_EQ(layer.bounds, original.bounds);
+        EXPECT_TRUE(layer.pixels == original.pixels);
     }
-    return layers;
 }
 
 TEST_F(OpenRaster, ADocumentComesBackBitForBit) {
@@ -84,15 +58,7 @@ TEST_F(OpenRaster, ADocumentComesBackBitForBit) {
         EXPECT_EQ(read.width, 19);
         EXPECT_EQ(read.height, 14);
         EXPECT_EQ(read.bitDepth, written.bitDepth);
-        ASSERT_EQ(read.items.size(), written.items.size());
-        const std::vector<Layer> layers = AllLayers(read);
-        const std::vector<Layer> originals = AllLayers(written);
-        ASSERT_EQ(layers.size(), originals.size());
-        for (size_t i = 0; i < layers.size(); ++i) {
-            EXPECT_TRUE(Contents(layers[i]) == Contents(originals[i])) << i;
-            EXPECT_EQ(layers[i].kind, originals[i].kind);
-            EXPECT_EQ(layers[i].bounds, originals[i].bounds);
-        }
+        ExpectSame(read.items, written.items);
     }
 }
 
@@ -122,34 +88,69 @@ TEST_F(OpenRaster, OtherProgramsFindTheKindAndTheWholePicture) {
     EXPECT_TRUE(Bytes("d.ora") == bytes) << "not the same from run to run";
 }
 
+TEST_F(OpenRaster, EveryWholePercentageComesBack) {
+    Document document{1, 1, 8, {}};
+    for (int percent = 0; percent <= 100; ++percent) {
+        document.items.emplace_back(LayerOf({kLeft}, 1, 1));
+        std::get<Layer>(document.items.back()).opacity = percent;
+    }
+    (void)SaveDocument(document, Path("d.ora"), {});
+    ExpectSame(LoadDocument(Path("d.ora")).items, document.items);
+}
+
+TEST_F(OpenRaster, PicturesHaveTheProfileOfSrgbAndNoMoreBitsThanTheyNeed) {
+    const RGBA16 coarse{256, 512, 768, kFullScale};
+    for (const int depth : {8, 16}) {
+        Document document{2, 1, depth, {}};
+        document.items = {LayerOf({coarse, coarse}, 2, 1), LayerOf({coarse, kLeft}, 2, 1)};
+        (void)SaveDocument(document, Path("d.ora"), {.overwrite = true});
+        for (const auto& [name, content] : ReadZip("d.ora")) {
+            if (name.ends_with(".png")) {
+                EXPECT_EQ(content.substr(37, 9), std::string("iCCPsRGB\0", 9)) << name;
+                const bool isDeep = name == "data/layer1.png" ||
+                                    (depth == 16 && name != "Thumbnails/thumbnail.png");
+                EXPECT_EQ(content[24], isDeep ? 16 : 8) << name << " at " << depth;
+            }
+        }
+        EXPECT_EQ(LoadDocument(Path("d.ora")).bitDepth, depth);
+    }
+}
+
 TEST_F(OpenRaster, ReadsWhatOtherProgramsWrite) {
     WriteZip("o.ora",
              {{"stack.xml",
                "<image w='3' h='2'><stack>"
                "<layer name='multiplied' src='a.png' composite-op='svg:multiply' x='-1' y='1'/>"
                "<layer name='outside' src='a.png' x='2147483647' y='-2147483648'/>"
-               "<stack name='one'><stack name='two' opacity='0.5' visibility='hidden'>"
-               "<layer src='a.png'/><stack><layer src='a.png' x='1'/></stack></stack></stack>"
+               "<stack name='one'><stack name='two' opacity='0.5' visibility='hidden' "
+               "isolation='isolate'><layer src='a.png'/></stack></stack>"
                "</stack></image>"},
               {"a.png", LayerFile()}});
-    std::vector<std::string> notes;
-    const Document document = LoadDocument(Path("o.ora"), &notes);
-    EXPECT_THAT(notes,
-                ElementsAre(AllOf(HasSubstr("multiplied"), HasSubstr("svg:multiply")),
-                            HasSubstr("\"\" lies inside"), HasSubstr("\"two\" lies inside")));
+    const Document document = LoadDocument(Path("o.ora"));
     EXPECT_EQ(document.bitDepth, 16);
     ASSERT_EQ(document.items.size(), 3U);
     const auto& cropped = std::get<Layer>(document.items[0]);
+    EXPECT_EQ(cropped.kind, CompositionKind::Multiply);
     EXPECT_THAT(cropped.pixels,
                 ElementsAre(RGBA16{}, RGBA16{}, RGBA16{}, kRight, RGBA16{}, RGBA16{}));
     EXPECT_EQ(cropped.bounds, (PixelRect{0, 1, 1, 2}));
     EXPECT_TRUE(std::get<Layer>(document.items[1]).bounds.IsEmpty());
-    const auto& folder = std::get<Folder>(document.items[2]);
-    ASSERT_EQ(folder.layers.size(), 1U);
-    EXPECT_EQ(folder.layers[0].opacity, 50U);
-    EXPECT_FALSE(folder.layers[0].visible);
-    EXPECT_THAT(folder.layers[0].pixels,
-                ElementsAre(kLeft, kRight, kRight, RGBA16{}, RGBA16{}, RGBA16{}));
+    const auto& one = std::get<Folder>(document.items[2]);
+    EXPECT_FALSE(one.isolated);
+    const auto& two = std::get<Folder>(one.items.at(0));
+    EXPECT_TRUE(two.isolated && two.opacity == 50 && !two.visible && two.items.size() == 1);
+}
+
+TEST_F(OpenRaster, AnOutlineIsReadWithoutPixels) {
+    WriteZip("o.ora", {{"stack.xml",
+                        "<image w='9' h='9'><stack><stack><layer src='a' x='-1' y='7'/></stack>"
+                        "</stack></image>"},
+                       {"a", LayerFile().substr(0, 40)}});
+    const Document outline = LoadDocument(Path("o.ora"), nullptr, Detail::Outline);
+    const auto& folder = std::get<Folder>(outline.items.at(0));
+    EXPECT_EQ(std::get<Layer>(folder.items.at(0)).bounds, (PixelRect{-1, 7, 1, 8}));
+    EXPECT_EQ(outline.bitDepth, 16);
+    EXPECT_THAT(LoadError("o.ora"), HasSubstr("damaged"));
 }
 
 TEST_F(OpenRaster, HostileFilesAreNamedWithTheirFault) {
@@ -177,13 +178,23 @@ TEST_F(OpenRaster, HostileFilesAreNamedWithTheirFault) {
         {"negative", {{"stack.xml", "<image w='-4' h='4'><stack/></image>"}}, {"size (w)"}},
         {"beyond int", {{"stack.xml", "<image w='4294967297' h='4'><stack/></image>"}}, {"number"}},
         {"too large",
-         {{"stack.xml", "<image w='2000000' h='2000000'><stack/></image>"}},
+         {{"stack.xml", "<image w='2000000' h='2000000'><stack><layer/></stack></image>"}},
          {"29802.3 GiB"}},
         {"too many layers",
          {{"stack.xml", "<image w='200000' h='200000'><stack><layer/><layer/></stack></image>"}},
          {"2 layers", "596.0 GiB"}},
-        {"too deep", {{"stack.xml", image(open + close)}}, {"nested"}},
+        {"too deep", {{"stack.xml", image(open + "<layer/>" + close)}}, {"nested"}},
         {"endless stack.xml", {{"stack.xml", std::string(17 << 20, ' ')}}, {"17 MiB"}},
+        {"no layers", {{"stack.xml", image("<stack/>")}}, {"has no layers"}},
+        {"huge layer",
+         {{"stack.xml", image("<layer name='sky' src='a'/>")},
+          {"a", layerFile.substr(0, 16) + std::string("\x7F\0\0\0\x7F\0\0\0", 8) +
+                    layerFile.substr(24)}},
+         {"\"sky\"", "2130706432 x 2130706432"}},
+        {"file larger than its picture",
+         {{"stack.xml", image("<layer name='sky' src='a'/>")},
+          {"a", layerFile + std::string(17 << 20, ' ')}},
+         {"\"sky\"", "17 MiB", "2 x 1 pixels"}},
         {"no layer file",
          {{"stack.xml", image("<layer name='sky' src='data/sky.png'/>")}},
          {"\"sky\"", "\"data/sky.png\""}},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <unistd.h>
+#include <zip.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -18,6 +19,19 @@
 #include "host/image_file.h"
 
 namespace imgbasic::host {
+
+inline Layer LayerOf(std::vector<RGBA16> pixels, int32_t width, int32_t height) {
+    Layer layer;
+    layer.bounds = BoundsOf(pixels, width, height);
+    layer.pixels = std::move(pixels);
+    return layer;
+}
+
+inline Document OneLayer(int32_t width, int32_t height, int bitDepth, std::vector<RGBA16> pixels) {
+    Document document{width, height, bitDepth, {}};
+    document.items.emplace_back(LayerOf(std::move(pixels), width, height));
+    return document;
+}
 
 /// A folder of its own for every test, removed at the end.
 class FileTest : public testing::Test {
@@ -36,6 +50,56 @@ class FileTest : public testing::Test {
 
     void WriteBytes(const std::string& name, const std::string& bytes) const {
         std::ofstream(Path(name), std::ios::binary) << bytes;
+    }
+
+    /// Names and contents of an archive's files.
+    using Entries = std::vector<std::pair<std::string, std::string>>;
+
+    void WriteZip(const std::string& name, const Entries& entries) const {
+        zip_t* const zip = zip_open(Path(name).c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
+        ASSERT_NE(zip, nullptr);
+        for (const auto& [entry, content] : entries) {
+            zip_source_t* const source = zip_source_buffer(zip, content.data(), content.size(), 0);
+            ASSERT_GE(zip_file_add(zip, entry.c_str(), source, ZIP_FL_ENC_UTF_8), 0);
+        }
+        ASSERT_EQ(zip_close(zip), 0);
+    }
+
+    /// Sorted by name.
+    Entries ReadZip(const std::string& name) const {
+        Entries entries;
+        zip_t* const zip = zip_open(Path(name).c_str(), ZIP_RDONLY, nullptr);
+        for (zip_uint64_t index = 0; zip != nullptr; ++index) {
+            zip_stat_t stat;
+            if (zip_stat_index(zip, index, 0, &stat) != 0) {
+                break;
+            }
+            std::string content(stat.size, '\0');
+            zip_file_t* const file = zip_fopen_index(zip, index, 0);
+            EXPECT_EQ(zip_fread(file, content.data(), stat.size), static_cast<int64_t>(stat.size));
+            zip_fclose(file);
+            entries.emplace_back(stat.name, std::move(content));
+        }
+        zip_discard(zip);
+        std::ranges::sort(entries);
+        return entries;
+    }
+
+    std::string ZipEntry(const std::string& name, const std::string& entry) const {
+        for (auto& [known, content] : ReadZip(name)) {
+            if (known == entry) {
+                return content;
+            }
+        }
+        ADD_FAILURE() << name << " has no " << entry;
+        return "";
+    }
+
+    /// The bytes of a PNG of one row.
+    std::string RowFile(int bitDepth, const std::vector<RGBA16>& pixels) const {
+        (void)SaveDocument(OneLayer(static_cast<int32_t>(pixels.size()), 1, bitDepth, pixels),
+                           Path("row.png"), {.overwrite = true});
+        return Bytes("row.png");
     }
 
     /// The message of the FileError that loading gives, or what it did instead.
@@ -101,21 +165,25 @@ class RandomDocuments {
 
     Document AnyDocument(int32_t width, int32_t height) {
         Document document{width, height, Below(2) == 0 ? 8 : 16, {}};
-        for (uint32_t i = Below(6); i > 0; --i) {
-            if (Below(3) != 0) {
-                document.items.emplace_back(AnyLayer(width, height));
-                continue;
-            }
-            Folder folder = Attributes<Folder>();
-            for (uint32_t k = Below(4); k > 0; --k) {
-                folder.layers.push_back(AnyLayer(width, height));
-            }
-            document.items.emplace_back(std::move(folder));
-        }
+        document.items = AnyItems(width, height, Below(5) + 1, 2);
         return document;
     }
 
   private:
+    std::vector<Item> AnyItems(int32_t width, int32_t height, uint32_t count, int levels) {
+        std::vector<Item> items;
+        for (; count > 0; --count) {
+            if (levels == 0 || Below(3) != 0 || (levels == 2 && count == 1)) {
+                items.emplace_back(AnyLayer(width, height));
+                continue;
+            }
+            Folder folder = Attributes<Folder>();
+            folder.items = AnyItems(width, height, Below(4), levels - 1);
+            items.emplace_back(std::move(folder));
+        }
+        return items;
+    }
+
     template <typename LayerOrFolder>
     LayerOrFolder Attributes() {
         const char* const names[] = {"", "plain", "空 & <雲> \"quoted\" 'x'", "a\tb"};
@@ -134,19 +202,6 @@ class RandomDocuments {
 /// What tells two layers apart but for their kind, for a comparison.
 inline auto Contents(const Layer& layer) {
     return std::tie(layer.name, layer.opacity, layer.clip, layer.visible, layer.pixels);
-}
-
-inline Layer LayerOf(std::vector<RGBA16> pixels, int32_t width, int32_t height) {
-    Layer layer;
-    layer.bounds = BoundsOf(pixels, width, height);
-    layer.pixels = std::move(pixels);
-    return layer;
-}
-
-inline Document OneLayer(int32_t width, int32_t height, int bitDepth, std::vector<RGBA16> pixels) {
-    Document document{width, height, bitDepth, {}};
-    document.items.emplace_back(LayerOf(std::move(pixels), width, height));
-    return document;
 }
 
 }  // namespace imgbasic::host
