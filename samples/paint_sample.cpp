@@ -346,9 +346,11 @@ host::Layer Lettering() {
 }
 
 host::Document Paint() {
-    host::Folder clouds{"雲 clouds", 90, host::CompositionKind::Normal, false, true, {}};
-    clouds.layers.push_back(Clouds("近い雲 near", 20, 300, 330, 0.50, 21));
-    clouds.layers.push_back(Clouds("遠い雲 far", 230, 430, 210, 0.46, 31));
+    host::Folder clouds;
+    clouds.name = "雲 clouds";
+    clouds.opacity = 90;
+    clouds.items = {Clouds("近い雲 near", 20, 300, 330, 0.50, 21),
+                    Clouds("遠い雲 far", 230, 430, 210, 0.46, 31)};
 
     host::Document document{kWidth, kHeight, 8, {}};
     document.items = {Lettering(), LineArt(), Firs(),      Bank(), Mist(), Boat(), Glitter(),

@@ -421,7 +421,7 @@ TEST_F(RealModule, JoinsTheChannelsOfALayerToTheSameLayerInTheSamePlace) {
         document.items.emplace_back(folder);
         const auto last = static_cast<int32_t>(document.items.size()) - 1;
         for (LayerPosition position : {LayerPosition{1, -1}, LayerPosition{last, 2}}) {
-            const Layer& source = position.layer < 0 ? LayerAt(document, 1) : folder.layers[2];
+            const Layer& source = position.layer < 0 ? LayerAt(document, 1) : LayerAt(folder, 2);
             const Document split = Run(document, {.filter = "chan_decomp", .current = position});
             if (source.kind == CompositionKind::Normal && !source.clip) {
                 EXPECT_TRUE(Flatten(split) == Flatten(document)) << "its channels look like it";
