@@ -60,7 +60,10 @@ std::vector<std::byte> ZipReader::Head(const Entry& entry, size_t count,
         }
         read += static_cast<size_t>(part);
     }
-    if (!file || read < content.size()) {
+    // The checksum is compared when the end is read, not before.
+    std::byte beyond{};
+    const bool isSound = !file || read < entry.size || zip_fread(file.get(), &beyond, 1) == 0;
+    if (!file || read < content.size() || !isSound) {
         throw FileError(user + ": the file \"" + entry.name +
                         "\" in the archive is damaged; get another copy of it");
     }
