@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "lib/ui/wide_text.h"
+#include "lib/base/wide_text.h"
 
 namespace imgbasic {
 

@@ -7,7 +7,7 @@
 
 #include "lib/base/log.h"
 #include "lib/base/number_text.h"
-#include "lib/ui/wide_text.h"
+#include "lib/base/wide_text.h"
 
 namespace imgbasic {
 namespace {

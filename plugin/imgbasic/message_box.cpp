@@ -5,7 +5,7 @@
 #include <utility>
 
 #ifdef _WIN32
-#include "lib/ui/wide_text.h"
+#include "lib/base/wide_text.h"
 #endif
 
 namespace imgbasic {

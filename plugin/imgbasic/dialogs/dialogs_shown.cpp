@@ -1,4 +1,4 @@
-#include "lib/ui/wide_text.h"
+#include "lib/base/wide_text.h"
 #include "plugin/imgbasic/dialogs.h"
 #include "plugin/imgbasic/dialogs/common_image_dialog.h"
 #include "plugin/imgbasic/dialogs/dialog_turn.h"

@@ -1,4 +1,4 @@
-#include "lib/ui/wide_text.h"
+#include "lib/base/wide_text.h"
 
 #include "lib/base/platform.h"
 
