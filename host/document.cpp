@@ -13,6 +13,14 @@ size_t CountLayers(const std::vector<Item>& items) {
     return count;
 }
 
+const Layer* WholePicture(const Document& document) {
+    const Layer* const layer =
+        document.items.size() == 1 ? std::get_if<Layer>(&document.items.front()) : nullptr;
+    const bool isWhole = layer != nullptr && layer->visible && layer->opacity == 100 &&
+                         layer->kind <= CompositionKind::NormalAlpha;
+    return isWhole ? layer : nullptr;
+}
+
 PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height) {
     const auto holds = [](const RGBA16& pixel) { return pixel != RGBA16{}; };
     PixelRect bounds{width, height, 0, 0};

@@ -11,8 +11,10 @@ namespace {
 /// A run in progress. The module's callback takes nothing, so the one that it means is static.
 class ActiveRun {
   public:
-    ActiveRun(const Module& module, const Document& document, const RunRequest& request)
-        : module_(module), document_(document), request_(request) {
+    /// `consumed`, when there is one, is the document itself, for a single run.
+    ActiveRun(const Module& module, const Document& document, Document* consumed,
+              const RunRequest& request)
+        : module_(module), document_(document), consumed_(consumed), request_(request) {
         active_ = this;
     }
     ~ActiveRun() { active_ = nullptr; }
@@ -28,12 +30,15 @@ class ActiveRun {
 
     bool Apply();
     RunOutcome RunOnce();
+    Document TakeSource();
     void FollowNewSize(RunOutcome& outcome);
 
     inline static ActiveRun* active_ = nullptr;
 
     const Module& module_;
     const Document& document_;
+    Document* consumed_;
+    bool isConsumed_ = false;
     const RunRequest& request_;
     FilterObject object_;
     bool applying_ = false;
@@ -81,14 +86,29 @@ bool ActiveRun::Apply() {
     return outcome_.status != RunStatus::Failed;
 }
 
-RunOutcome ActiveRun::RunOnce() {
-    LayerRun run(module_, request_.filter, *object_, document_);
-    if (!run.Run()) {
-        return {.status = RunStatus::NothingToDo, .points = request_.points};
+Document ActiveRun::TakeSource() {
+    if (consumed_ == nullptr) {
+        return document_;
     }
-    RunOutcome outcome{
-        .status = RunStatus::Done, .document = run.TakeDocument(), .points = request_.points};
-    if (outcome.document.width != document_.width || outcome.document.height != document_.height) {
+    if (isConsumed_) {
+        throw RunError("the filter asked for a second run of a document that is gone");
+    }
+    isConsumed_ = true;
+    return std::move(*consumed_);
+}
+
+RunOutcome ActiveRun::RunOnce() {
+    const int32_t width = document_.width;
+    const int32_t height = document_.height;
+    LayerRun run(module_, request_.filter, *object_, TakeSource());
+    const bool done = run.Run();
+    RunOutcome outcome{.status = done ? RunStatus::Done : RunStatus::NothingToDo,
+                       .document = {},
+                       .points = request_.points};
+    if (done || consumed_ != nullptr) {
+        outcome.document = run.TakeDocument();
+    }
+    if (done && (outcome.document.width != width || outcome.document.height != height)) {
         FollowNewSize(outcome);
     }
     return outcome;
@@ -104,13 +124,22 @@ void ActiveRun::FollowNewSize(RunOutcome& outcome) {
     }
 }
 
-}  // namespace
-
-RunOutcome RunFilter(const Module& module, const Document& document, const RunRequest& request) {
+RunOutcome Run(const Module& module, const Document& document, Document* consumed,
+               const RunRequest& request) {
     if (ActiveRun::Exists()) {
         return Failure("another filter is still running");
     }
-    return ActiveRun(module, document, request).Run();
+    return ActiveRun(module, document, consumed, request).Run();
+}
+
+}  // namespace
+
+RunOutcome RunFilter(const Module& module, const Document& document, const RunRequest& request) {
+    return Run(module, document, nullptr, request);
+}
+
+RunOutcome RunFilter(const Module& module, Document&& document, const RunRequest& request) {
+    return Run(module, document, &document, request);
 }
 
 FilterObject PrepareBatch(const Module& module, const std::string& filter, HWND ownerWindow,

@@ -48,7 +48,7 @@ enum class RunStatus {
 struct RunOutcome {
     RunStatus status = RunStatus::NothingToDo;
     std::string fault{};  ///< for people; of Failed only
-    Document document{};  ///< the changed document; of Done only
+    Document document{};  ///< the changed document; of Done only, but see RunFilter
     double scaleX = 1;    ///< by how much brushes grow with the picture
     double scaleY = 1;
     std::vector<DocumentPoint> points{};  ///< where the request's points are now
@@ -59,6 +59,11 @@ struct RunOutcome {
 /// is confirmed. `document` is not changed. One run at a time: another one, started from inside
 /// the module's dialog, fails.
 RunOutcome RunFilter(const Module& module, const Document& document, const RunRequest& request);
+
+/// The same for a host that needs the document no longer, which then is not copied: a second run
+/// from the same dialog fails, and the document is the outcome's also when there was nothing to
+/// do.
+RunOutcome RunFilter(const Module& module, Document&& document, const RunRequest& request);
 
 /// The object that holds the options of a batch, settled by the module (it may show its dialog).
 /// Null when the filter has no batch use or the user cancelled; `cancelled` tells which.

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/document.h"
+#include "host/raster_file.h"
 
 namespace imgbasic::host {
 
@@ -23,31 +27,43 @@ enum class Detail {
     Outline,
 };
 
-/// Reads PNG, JPEG, WebP or TIFF as a document of one layer, OpenRaster with its layers. The
-/// content decides the format. What cannot be shown as the file means it is told in `notes`, when
-/// given. Throws FileError.
+/// Reads OpenRaster with its layers, any other image as a document of one layer with the file's
+/// metadata. The content decides the format. "-", and what is no plain file, is read to its end
+/// first, and cannot be OpenRaster. What cannot be shown as the file means it is told in `notes`,
+/// when given. Throws FileError.
 Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes = nullptr,
                       Detail detail = Detail::Everything);
 
 /// Whether a file of that name keeps the layers. Throws FileError for an unknown ending.
 bool KeepsLayers(const std::filesystem::path& path);
 
+/// The same from memory; `name` names it in errors and becomes the layer's.
+Document LoadDocument(std::span<const std::byte> bytes, const std::string& name,
+                      std::vector<std::string>* notes = nullptr);
+
+/// What the header of a file without layers tells, the pixels unread; nothing for OpenRaster and
+/// for what can be read only once. Throws FileError.
+std::optional<RasterHeader> ReadHeader(const std::filesystem::path& path,
+                                       std::vector<std::string>& notes);
+
 /// How to write a document.
 struct SaveOptions {
-    int bitDepth = 0;        ///< bits a channel, 8 or 16; 0 takes the document's
-    bool overwrite = false;  ///< an existing file is an error otherwise
+    int bitDepth = 0;                       ///< bits a channel, 8 or 16; 0 takes the document's
+    bool overwrite = false;                 ///< an existing file is an error otherwise
+    bool strip = false;                     ///< leave out the metadata, the colour profile included
+    EncodeOptions encode{.compact = true};  ///< for formats without layers
 };
 
 /// Writes the format that the extension names: OpenRaster keeps the layers, the others get the
-/// flattened picture. The file appears whole or not at all. Throws FileError. Returns notes for
-/// the user, such as that a format has no alpha and was flattened over white; often empty.
-std::vector<std::string> SaveDocument(const Document& document, const std::filesystem::path& path,
+/// flattened picture and the metadata. The file appears whole or not at all. A document that is
+/// moved in needs no second picture in memory. Throws FileError. Returns notes for the user, such
+/// as that a format has no alpha and was flattened over white; often empty.
+std::vector<std::string> SaveDocument(Document document, const std::filesystem::path& path,
                                       const SaveOptions& options);
 
-/// Writes the flattened picture, at 8 bits a channel, as a PNG with a palette of exactly its
-/// colours, and returns true; returns false and writes nothing when it has more than 256. Throws
-/// FileError, also when `path` does not end in ".png".
-bool SaveIndexedPng(const Document& document, const std::filesystem::path& path,
-                    const SaveOptions& options);
+/// The same into memory, `extension` such as ".png"; `name` names it in errors and notes.
+std::vector<std::byte> EncodeDocument(Document document, const std::string& extension,
+                                      const std::string& name, const SaveOptions& options,
+                                      std::vector<std::string>& notes);
 
 }  // namespace imgbasic::host

@@ -6,6 +6,7 @@
 
 #include "host/flatten.h"
 #include "host/layer_name.h"
+#include "host/pixel_room.h"
 
 namespace imgbasic::host {
 namespace {
@@ -86,12 +87,15 @@ bool LayerRun::BeginPhase(int phase) {
     phase_ = phase;
     sourceWidth_ = document_.width;
     sourceHeight_ = document_.height;
-    merged_ = Flatten(document_);
+    // A single layer keeps its pixels' place until the phase's last visit, which replaces them.
+    const Layer* const whole = WholePicture(document_);
+    merged_ = whole != nullptr ? std::vector<RGBA16>() : Flatten(document_);
+    const RGBA16* const merged = whole != nullptr ? whole->pixels.data() : merged_.data();
     auto width = static_cast<uint32_t>(sourceWidth_);
     auto height = static_cast<uint32_t>(sourceHeight_);
     uint32_t phaseFlag = 0;
-    const int answer = module_.phase(filter_.c_str(), &object_, phase, &width, &height,
-                                     &merged_.data()->r, 0, 0, &phaseFlag);
+    const int answer = module_.phase(filter_.c_str(), &object_, phase, &width, &height, &merged->r,
+                                     0, 0, &phaseFlag);
     if (answer == -1) {
         return false;
     }
@@ -169,7 +173,7 @@ void LayerRun::Visit(Visited& visited, LayerPosition position) {
 
 /// Shows a layer once; true when a new layer now lies above it.
 bool LayerRun::Show(Visited& visited, LayerPosition position) {
-    std::vector<RGBA16> produced(PixelCount(document_.width, document_.height));
+    std::vector<RGBA16> produced = ZeroPixels(PixelCount(document_.width, document_.height));
     Answer answer = Ask(visited, position, produced);
     if (showOnly_) {
         return false;

@@ -35,8 +35,7 @@ struct FilterCommand {
     uint32_t backColor = 0xFFFFFF;
     std::vector<OptionValue> options;
     bool remember = false;
-    SizeRequest size;      ///< scaling only
-    bool indexed = false;  ///< col_reduce only: write a PNG with a palette
+    SizeRequest size;  ///< scaling only
 };
 
 /// Adds the command of every filter to the command line; parsing one calls `run` with it.

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "host/cli/filter_command.h"
+#include "host/cli/format_options.h"
 #include "host/filter_words.h"
 #include "plugin/imgbasic/filters.h"
 
@@ -125,7 +126,8 @@ void AddColors(App& app, FilterCommand& command) {
 }
 
 void AddIndexed(App& app, FilterCommand& command) {
-    app.add_flag("--indexed", command.indexed, "Write a PNG with a palette, 8 bits a channel")
+    app.add_flag("--indexed", command.save.encode.indexed,
+                 "Write a PNG with a palette, 8 bits a channel")
         ->group(kFilterGroup);
 }
 
@@ -172,7 +174,8 @@ void AddSizes(App& app, FilterCommand& command) {
 
 /// What every filter's command has.
 void AddFiles(App& app, FilterCommand& command) {
-    app.add_option("IN", command.inputs, "Images: PNG, JPEG, WebP, TIFF or OpenRaster")
+    app.add_option("IN", command.inputs,
+                   "Images: PNG, JPEG, WebP, TIFF, OpenRaster, GIF, BMP and others")
         ->required()
         ->type_name("");
     app.add_option(
@@ -187,6 +190,7 @@ void AddFiles(App& app, FilterCommand& command) {
         ->check(CLI::IsMember({8, 16}).description(""))
         ->type_name("BITS")
         ->group(kOutputGroup);
+    AddFormatOptions(app, command.save, kOutputGroup);
     app.add_flag("--force", command.save.overwrite, "Overwrite what exists")->group(kOutputGroup);
     app.add_flag("--accept-loss", command.acceptLoss,
                  "Go on where a layered result cannot keep or show everything")

@@ -73,19 +73,6 @@ RunRequest RequestFor(const FilterCommand& command, const FileJob& job, const Do
     return request;
 }
 
-void Save(const FilterCommand& command, const FileJob& job, const Document& document,
-          const Report& report) {
-    if (command.indexed) {
-        if (!SaveIndexedPng(document, job.output, command.save)) {
-            throw JobError("the result has more than 256 colours; leave out --indexed");
-        }
-        return;
-    }
-    for (const std::string& note : SaveDocument(document, job.output, command.save)) {
-        report.Note(note);
-    }
-}
-
 class Stopwatch {
   public:
     double Milliseconds() const {
@@ -101,19 +88,16 @@ std::string SizeText(const Document& document) {
     return std::to_string(document.width) + " x " + std::to_string(document.height);
 }
 
-void Tell(const FilterCommand& command, const FileJob& job, const Document& source,
-          const Document& result, double milliseconds, const Report& report) {
+/// What --verbose tells about a run.
+std::string Describe(const FilterCommand& command, const FileJob& job,
+                     const std::string& sizeBefore, const Document& result, double milliseconds) {
     char time[32];
     std::snprintf(time, sizeof time, "%.1f ms", milliseconds);
-    std::string text = job.input.string() + ": " + command.filter + ", " + SizeText(source);
-    if (SizeText(source) != SizeText(result)) {
+    std::string text = job.input.string() + ": " + command.filter + ", " + sizeBefore;
+    if (sizeBefore != SizeText(result)) {
         text += " to " + SizeText(result);
     }
-    text.append(" pixels, ").append(time);
-    if (command.filter == "col_reduce") {
-        text += ", " + DescribeReduction(source, result);
-    }
-    report.Note(text);
+    return text.append(" pixels, ").append(time);
 }
 
 void Process(const Module& module, const FilterCommand& command, ImageProcess* reference,
@@ -123,23 +107,33 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
         throw FileError(job.output.string() + ": exists already; --force overwrites it");
     }
     std::vector<std::string> notes;
-    const Document document = LoadDocument(job.input, &notes);
+    Document document = LoadDocument(job.input, &notes);
     for (const std::string& note : notes) {
         report.Note(note);
     }
     CheckLosses(command, job, document, module.isSizeChange(command.filter.c_str()), report);
     const RunRequest request = RequestFor(command, job, document, reference);
+    const bool compares = command.verbose && command.filter == "col_reduce";
+    const Document source = compares ? document : Document{};
+    const std::string sizeBefore = SizeText(document);
     const Stopwatch stopwatch;
-    const RunOutcome outcome = RunFilter(module, document, request);
+    RunOutcome outcome = RunFilter(module, std::move(document), request);
     const double milliseconds = stopwatch.Milliseconds();
     if (outcome.status == RunStatus::Failed || outcome.status == RunStatus::Cancelled) {
         throw JobError((outcome.status == RunStatus::Failed ? outcome.fault : "cancelled") +
                        "; nothing was written");
     }
-    const Document& result = outcome.status == RunStatus::Done ? outcome.document : document;
-    Save(command, job, result, report);
+    std::string told;
     if (command.verbose) {
-        Tell(command, job, document, result, milliseconds, report);
+        told = Describe(command, job, sizeBefore, outcome.document, milliseconds);
+        told += compares ? ", " + DescribeReduction(source, outcome.document) : "";
+    }
+    for (const std::string& note :
+         SaveDocument(std::move(outcome.document), job.output, command.save)) {
+        report.Note(note);
+    }
+    if (command.verbose) {
+        report.Note(told);
     }
     report.Written(job.output);
     if (command.remember && !AreStored(command.filter, request.options)) {

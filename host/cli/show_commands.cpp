@@ -1,5 +1,6 @@
 #include "host/cli/show_commands.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "host/cli/text_table.h"
@@ -86,6 +87,40 @@ void Print(const std::string& text) {
     std::fputs(text.c_str(), stdout);
 }
 
+/// What a file has beside its pixels, such as "EXIF, XMP, 300 x 300 dpi".
+std::string MetadataText(const FileMetadata& metadata) {
+    std::string text;
+    const auto add = [&text](bool has, const std::string& what) {
+        if (has) {
+            text.append(text.empty() ? "" : ", ").append(what);
+        }
+    };
+    add(!metadata.profile.empty(), "colour profile");
+    add(!metadata.exif.empty(), "EXIF");
+    add(!metadata.xmp.empty(), "XMP");
+    add(!metadata.iptc.empty(), "IPTC");
+    add(!metadata.texts.empty(), "text");
+    const auto dotsPerInch = [](double resolution) {
+        return std::to_string(std::lround(resolution * 25.4));
+    };
+    add(metadata.xResolution > 0,
+        dotsPerInch(metadata.xResolution) + " x " + dotsPerInch(metadata.yResolution) + " dpi");
+    return text;
+}
+
+void ShowHeader(const std::filesystem::path& path, const RasterHeader& header,
+                const std::vector<std::string>& notes) {
+    Print(path.string() + ": " + std::to_string(header.width) + " x " +
+          std::to_string(header.height) + " pixels, " + std::to_string(header.bitDepth) +
+          " bits a channel, " + header.format + "\n");
+    if (const std::string metadata = MetadataText(*header.metadata); !metadata.empty()) {
+        Print(path.string() + ": has " + metadata + "\n");
+    }
+    for (const std::string& note : notes) {
+        Print(note + "\n");
+    }
+}
+
 }  // namespace
 
 void ListFilters(const Module& module) {
@@ -104,6 +139,10 @@ void ListFilters(const Module& module) {
 
 void ShowFile(const std::filesystem::path& path) {
     std::vector<std::string> notes;
+    if (const std::optional<RasterHeader> header = ReadHeader(path, notes)) {
+        ShowHeader(path, *header, notes);
+        return;
+    }
     const Document document = LoadDocument(path, &notes, Detail::Outline);
     Print(path.string() + ": " + std::to_string(document.width) + " x " +
           std::to_string(document.height) + " pixels, " + std::to_string(document.bitDepth) +

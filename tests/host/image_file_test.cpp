@@ -65,29 +65,6 @@ TEST_F(ImageFile, JpegLaysTranslucencyOverWhiteAndSaysSo) {
                 ElementsAre(HasSubstr("8 bits")));
 }
 
-TEST_F(ImageFile, APictureTakenSidewaysIsTurnedUpright) {
-    // Left half black, right half white.
-    std::vector<RGBA16> pixels(32 * 16, RGBA16{0, 0, 0, kFullScale});
-    for (size_t i = 0; i < pixels.size(); ++i) {
-        if (i % 32 >= 16) {
-            pixels[i] = {kFullScale, kFullScale, kFullScale, kFullScale};
-        }
-    }
-    (void)SaveDocument(OneLayer(32, 16, 8, pixels), Path("flat.jpg"), {});
-    // Orientation 6: the row of the file is the column of the picture, turned clockwise.
-    using namespace std::string_literals;
-    const std::string exif =
-        "\xFF\xE1\0\x22"
-        "Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0"s;
-    WriteBytes("turned.jpg", Bytes("flat.jpg").insert(2, exif));
-    const Document turned = LoadDocument(Path("turned.jpg"));
-    ASSERT_EQ(turned.width, 16);
-    ASSERT_EQ(turned.height, 32);
-    const std::vector<RGBA16> flat = Flatten(turned);
-    EXPECT_LT(flat.front().r, 1000);
-    EXPECT_GT(flat.back().r, kFullScale - 1000);
-}
-
 TEST_F(ImageFile, NoPartOfATruncatedFileIsTakenForAPicture) {
     RandomDocuments random(3);
     const Document document = OneLayer(64, 64, 8, random.Pixels(64 * 64, 8));
@@ -123,7 +100,7 @@ TEST_F(ImageFile, BadFilesAreNamedWithTheirFault) {
                           {"empty.png", "no image"},
                           {"text.png", "no image"},
                           {"folder.png", "is a folder"},
-                          {"huge.png", "7450.6 GiB"}}) {
+                          {"huge.png", "14901.2 GiB"}}) {
         EXPECT_THAT(LoadError(c.name), AllOf(HasSubstr(c.name), HasSubstr(c.fault)));
     }
 }
@@ -154,23 +131,121 @@ TEST_F(ImageFile, WhatCannotBeWrittenLeavesTheFolderAsItWas) {
     EXPECT_THAT(names, testing::UnorderedElementsAre("old.png", "f.png"));
 }
 
-TEST_F(ImageFile, APaletteKeepsExactlyTheColorsThatFitIt) {
+TEST_F(ImageFile, ThePixelsDecideHowTheFileHoldsThem) {
+    // Colour types of PNG: 0 gray, 2 RGB, 3 palette, 4 gray and alpha, 6 RGBA.
+    struct Case {
+        const char* what;
+        int bitDepth;
+        std::vector<RGBA16> palette;
+        int colourType;
+        int bits;
+    };
+    const RGBA16 black{0, 0, 0, kFullScale};
+    const RGBA16 white{kFullScale, kFullScale, kFullScale, kFullScale};
+    const RGBA16 gray{0x7000, 0x7000, 0x7000, kFullScale};
+    const RGBA16 deepGray{0x7001, 0x7001, 0x7001, kFullScale};
+    const RGBA16 red{kFullScale, 0, 0, kFullScale};
+    const RGBA16 clearRed{kFullScale, 0, 0, 0};
+    std::vector<RGBA16> grays;
+    for (int value = 0; value < 256; ++value) {
+        const uint16_t channel = FromDepth8(static_cast<uint8_t>(value));
+        grays.push_back({channel, channel, channel, kFullScale});
+    }
+    std::vector<RGBA16> translucentGrays = grays;
+    translucentGrays.push_back({0, 0, 0, 0x100});
     RandomDocuments random(4);
-    for (const size_t colors : {1U, 2U, 5U, 17U, 256U, 257U}) {
-        SCOPED_TRACE(colors);
-        const std::vector<RGBA16> palette = random.Pixels(colors, 8);
+    std::vector<RGBA16> colours = random.Pixels(257, 8);
+    std::vector<RGBA16> fewer(colours.begin(), colours.end() - 1);
+    const Case cases[] = {{"black and white", 8, {black, white}, 0, 1},
+                          {"deep black and white", 16, {black, white}, 0, 1},
+                          {"all grays", 8, grays, 0, 8},
+                          {"a deep gray", 16, {black, deepGray}, 0, 16},
+                          {"translucent grays", 8, translucentGrays, 4, 8},
+                          {"three grays", 8, {black, gray, white}, 3, 2},
+                          {"two colours", 8, {red, white}, 3, 1},
+                          {"a hidden colour", 8, {red, clearRed, white}, 3, 2},
+                          {"a full palette", 8, fewer, 3, 8},
+                          {"too many colours", 8, colours, 6, 8}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
         std::vector<RGBA16> pixels;
         for (size_t i = 0; i < size_t{64} * 64; ++i) {
-            pixels.push_back(palette[i % colors]);
+            pixels.push_back(c.palette[i % c.palette.size()]);
         }
-        const Document document = OneLayer(64, 64, 8, pixels);
-        const bool fits = SaveIndexedPng(document, Path("i.png"), {.overwrite = true});
-        EXPECT_EQ(fits, colors <= 256);
-        if (fits) {
-            EXPECT_EQ(Bytes("i.png")[25], 3) << "the colour type of a palette";
-            EXPECT_TRUE(Flatten(LoadDocument(Path("i.png"))) == Flatten(document));
+        const Document document = OneLayer(64, 64, c.bitDepth, pixels);
+        for (const char* name : {"c.png", "c.tif"}) {
+            (void)SaveDocument(document, Path(name), {.overwrite = true});
+            EXPECT_TRUE(Flatten(LoadDocument(Path(name))) == pixels);
         }
+        EXPECT_EQ(Bytes("c.png")[25], c.colourType);
+        EXPECT_EQ(Bytes("c.png")[24], c.bits);
+        const SaveOptions plain{.overwrite = true, .encode = {}};
+        (void)SaveDocument(document, Path("c.png"), plain);
+        EXPECT_EQ(Bytes("c.png")[25] & ~4, 2) << "RGB or RGBA";
+        EXPECT_TRUE(Flatten(LoadDocument(Path("c.png"))) == pixels);
+        const SaveOptions indexed{.overwrite = true, .encode = {.indexed = true}};
+        const std::string error = SaveError(document, "c.png", indexed);
+        EXPECT_THAT(error,
+                    HasSubstr(c.palette.size() > 256 ? "more than 256" : "without an error"));
     }
+    // Over black and white, which gray JPEGs and bilevel TIFFs are for.
+    const Document bilevel = OneLayer(64, 64, 8, std::vector<RGBA16>(64 * 64, white));
+    (void)SaveDocument(bilevel, Path("c.jpg"), {});
+    EXPECT_EQ(Bytes("c.jpg")[Bytes("c.jpg").find("\xFF\xC0") + 9], 1) << "one component";
+}
+
+TEST_F(ImageFile, AnOpaquePictureStaysOpaqueAfterTheRoundingOfAnInterpolation) {
+    const std::vector<RGBA16> pixels(size_t{64} * 64, RGBA16{0x1234, 0, 0, kFullScale - 1});
+    const Document document = OneLayer(64, 64, 8, pixels);
+    EXPECT_THAT(SaveDocument(document, Path("a.jpg"), {}), IsEmpty());
+    for (const int depth : {8, 16}) {
+        const SaveOptions plain{.bitDepth = depth, .overwrite = true, .encode = {}};
+        EXPECT_THAT(SaveDocument(document, Path("a.png"), plain), IsEmpty());
+        EXPECT_EQ(Bytes("a.png")[25], 2) << "RGB";
+    }
+}
+
+TEST_F(ImageFile, EveryValueOfA16BitFileComesBack) {
+    std::string samples;
+    std::string swapped;
+    for (int value = 0; value < 65536; ++value) {
+        const char high = static_cast<char>(value >> 8);
+        const char low = static_cast<char>(value);
+        samples.append(1, high).append(1, low);
+        swapped.append(1, low).append(1, high);
+    }
+    WriteBytes("all.ppm", "P5 256 256 65535\n" + samples);
+    const Document document = LoadDocument(Path("all.ppm"));
+    SaveOptions options;
+    options.encode.tiffCompression = TiffCompression::None;
+    (void)SaveDocument(document, Path("all.tif"), options);
+    EXPECT_NE(Bytes("all.tif").find(swapped), std::string::npos);
+}
+
+TEST_F(ImageFile, OtherFormatsAreReadByTheirContent) {
+    using namespace std::string_literals;
+    const std::string gif = "GIF89a\2\0\1\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\2\0\1\0\0\2\2D\n\0;"s;
+    const std::string bmp =
+        "BM\x3E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\1\0\0\0\1\0\x18\0\0\0\0\0\x08\0\0\0"
+        "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\xFF\xFF\0\0\0\0"s;
+    const std::string ppm = "P6 2 1 255\n\xFF\0\0\0\0\xFF"s;
+    const RGBA16 red{kFullScale, 0, 0, kFullScale};
+    const RGBA16 blue{0, 0, kFullScale, kFullScale};
+    for (const std::string& file : {gif, bmp, ppm}) {
+        WriteBytes("x.jpg", file);
+        EXPECT_THAT(Flatten(LoadDocument(Path("x.jpg"))), ElementsAre(red, blue)) << file;
+        EXPECT_THAT(Flatten(LoadDocument(std::as_bytes(std::span(file)), "-")),
+                    ElementsAre(red, blue));
+    }
+    // 12 bits a sample; and a bomb, a few bytes that claim 100,000 pixels a side.
+    WriteBytes("deep.tif",
+               "II*\0\x0E\0\0\0\0\0\0\0\0\0\x09\0\0\1\3\0\1\0\0\0\2\0\0\0\1\1\3\0\1\0\0\0\2\0\0\0"
+               "\2\1\3\0\1\0\0\0\x0C\0\0\0\3\1\3\0\1\0\0\0\1\0\0\0\6\1\3\0\1\0\0\0\1\0\0\0"
+               "\x11\1\4\0\1\0\0\0\x08\0\0\0\x15\1\3\0\1\0\0\0\1\0\0\0\x16\1\3\0\1\0\0\0\2\0\0\0"
+               "\x17\1\4\0\1\0\0\0\6\0\0\0\0\0\0\0"s);
+    EXPECT_THAT(LoadError("deep.tif"), HasSubstr("not supported"));
+    WriteBytes("bomb.ppm", "P6 100000 100000 255\n");
+    EXPECT_THAT(LoadError("bomb.ppm"), HasSubstr("GiB"));
 }
 
 }  // namespace

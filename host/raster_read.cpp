@@ -1,0 +1,302 @@
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <optional>
+#include <string_view>
+
+#include "host/jpeg_segments.h"
+#include "host/memory_limit.h"
+#include "host/raster_file.h"
+#include "host/raster_metadata.h"
+#include "host/sample_depth.h"
+#include "host/upright_pixels.h"
+#include "host/vips_library.h"
+
+namespace imgbasic::host {
+namespace {
+
+using vips::VImage;
+using namespace std::string_view_literals;
+
+/// What libvips reads through ImageMagick is told by its content here: some of that library's
+/// formats are programs that open other files.
+constexpr std::string_view kMagickContents[] = {"BM"sv, "8BPS"sv, "\0\0\1\0"sv};
+
+/// The beginning of the name of libvips's loader.
+const char* LoaderFor(RasterFormat format) {
+    switch (format) {
+        case RasterFormat::Jpeg:
+            return "VipsForeignLoadJpeg";
+        case RasterFormat::WebP:
+            return "VipsForeignLoadWebp";
+        case RasterFormat::Tiff:
+            return "VipsForeignLoadTiff";
+        case RasterFormat::Png:
+            break;
+    }
+    return "VipsForeignLoadPng";
+}
+
+vips::VSource SourceOf(const RasterInput& input) {
+    return input.path.empty()
+               ? vips::VSource::new_from_memory(input.bytes.data(), input.bytes.size())
+               : vips::VSource::new_from_file(input.path.c_str());
+}
+
+std::string ReadPart(const RasterInput& input, int64_t position, size_t size) {
+    std::string part(size, '\0');
+    if (input.path.empty()) {
+        const size_t first = std::min(static_cast<size_t>(position), input.bytes.size());
+        part.resize(std::min(size, input.bytes.size() - first));
+        std::ranges::copy(input.bytes.subspan(first, part.size()),
+                          std::as_writable_bytes(std::span(part)).begin());
+    } else {
+        std::ifstream file(input.path, std::ios::binary);
+        file.seekg(position);
+        file.read(part.data(), static_cast<std::streamsize>(size));
+        part.resize(static_cast<size_t>(file.gcount()));
+    }
+    return part;
+}
+
+vips::VOption* LoadOptions() {
+    return VImage::option()
+        ->set("access", VIPS_ACCESS_SEQUENTIAL)
+        ->set("fail_on", VIPS_FAIL_ON_ERROR);
+}
+
+/// Reads the header; nothing when the content is no image of the wanted kind.
+std::optional<VImage> ImageIn(const RasterInput& input, const char* wantedLoader) {
+    const vips::VSource source = SourceOf(input);
+    const char* const loader = vips_foreign_find_load_source(source.get_source());
+    vips_error_clear();
+    if (loader != nullptr) {
+        return wantedLoader == nullptr || std::string_view(loader).starts_with(wantedLoader)
+                   ? std::optional(VImage::new_from_source(source, "", LoadOptions()))
+                   : std::nullopt;
+    }
+    const std::string start = ReadPart(input, 0, 8);
+    const bool isKnown = std::ranges::any_of(
+        kMagickContents, [&](std::string_view content) { return start.starts_with(content); });
+    VipsBlob* const blob =
+        isKnown && wantedLoader == nullptr ? vips_source_map_blob(source.get_source()) : nullptr;
+    if (blob == nullptr) {
+        return std::nullopt;
+    }
+    // The image holds on to the bytes.
+    const std::unique_ptr<VipsArea, decltype(&vips_area_unref)> owned(VIPS_AREA(blob),
+                                                                      vips_area_unref);
+    return VImage::magickload_buffer(blob, LoadOptions());
+}
+
+/// A file of which only the header has been read.
+struct OpenedFile {
+    VImage image;
+    RasterHeader header;
+};
+
+OpenedFile Open(const RasterInput& input, const char* wantedLoader,
+                std::vector<std::string>& notes) {
+    const std::optional<VImage> image = ImageIn(input, wantedLoader);
+    if (!image) {
+        throw FileError(input.name +
+                        ": is no image that can be read; convert it to PNG, JPEG, WebP, TIFF or "
+                        "OpenRaster first");
+    }
+    OpenedFile file;
+    file.image = *image;
+    if (const int pages = vips_image_get_n_pages(file.image.get_image()); pages > 1) {
+        notes.push_back(input.name + ": has " + std::to_string(pages) +
+                        " pages; the first one is used");
+    }
+    RasterHeader& header = file.header;
+    header.width = file.image.width();
+    header.height = file.image.height();
+    if (vips_image_get_orientation(file.image.get_image()) > 4) {
+        std::swap(header.width, header.height);
+    }
+    header.bitDepth = file.image.format() == VIPS_FORMAT_UCHAR ? 8 : 16;
+    const std::string_view loader = file.image.get_string("vips-loader");
+    header.format = loader.substr(0, loader.find("load"));
+    auto metadata = std::make_shared<FileMetadata>(MetadataOf(file.image));
+    if (header.format == "jpeg") {
+        ReadJpegHeader(
+            [&](int64_t position, size_t size) { return ReadPart(input, position, size); },
+            *metadata);
+    }
+    header.metadata = std::move(metadata);
+    return file;
+}
+
+/// The same picture in gray or RGB of 8 or 16 bits, with alpha or without.
+VImage InKnownColours(const VImage& image, const std::string& name,
+                      std::vector<std::string>& notes) {
+    const bool deep = image.format() != VIPS_FORMAT_UCHAR;
+    const VipsInterpretation wanted = deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
+    switch (image.interpretation()) {
+        case VIPS_INTERPRETATION_CMYK: {
+            const bool profiled = image.get_typeof(VIPS_META_ICC_NAME) != 0;
+            notes.push_back(name + ": is CMYK and was converted to sRGB by " +
+                            (profiled ? "its profile" : "a common profile, having none itself"));
+            if (profiled) {
+                return image.icc_transform(
+                    "srgb", VImage::option()->set("embedded", true)->set("depth", deep ? 16 : 8));
+            }
+            return image.colourspace(wanted).cast(image.format());
+        }
+        case VIPS_INTERPRETATION_LAB:
+        case VIPS_INTERPRETATION_LABS:
+        case VIPS_INTERPRETATION_LABQ:
+            notes.push_back(name + ": is L*a*b* and was converted to sRGB");
+            return image.colourspace(wanted).cast(deep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
+        default:
+            break;
+    }
+    if (image.format() != VIPS_FORMAT_UCHAR && image.format() != VIPS_FORMAT_USHORT) {
+        throw FileError(name +
+                        ": has floating-point or 32-bit samples, which name no white; convert it "
+                        "to 16 bits a channel first");
+    }
+    return image;
+}
+
+/// Turns file samples of 1 to 4 or more bands into pixels; what is beyond the fourth is no colour.
+template <typename Sample>
+void ConvertSamples(const Sample* samples, int bands, std::span<RGBA16> pixels) {
+    const auto convert = [](Sample sample) {
+        if constexpr (sizeof(Sample) == 1) {
+            return FromDepth8(sample);
+        } else {
+            return MarkedFromDepth16(sample);
+        }
+    };
+    const auto each = [&](auto pick) {
+        for (RGBA16& pixel : pixels) {
+            pixel = pick(samples);
+            samples += bands;
+        }
+    };
+    switch (bands) {
+        case 1:
+            return each([&](const Sample* s) {
+                const uint16_t gray = convert(s[0]);
+                return RGBA16{gray, gray, gray, kFullScale};
+            });
+        case 2:
+            return each([&](const Sample* s) {
+                const uint16_t gray = convert(s[0]);
+                return RGBA16{gray, gray, gray, convert(s[1])};
+            });
+        case 3:
+            return each([&](const Sample* s) {
+                return RGBA16{convert(s[0]), convert(s[1]), convert(s[2]), kFullScale};
+            });
+        default:
+            return each([&](const Sample* s) {
+                return RGBA16{convert(s[0]), convert(s[1]), convert(s[2]), convert(s[3])};
+            });
+    }
+}
+
+/// Decodes in strips of a few rows, which stay in the processor's cache.
+std::vector<RGBA16> PixelsOf(const VImage& image) {
+    constexpr int kStrip = 16;
+    const int width = image.width();
+    const int bands = image.bands();
+    UprightPixels upright(width, image.height(), vips_image_get_orientation(image.get_image()));
+    const std::unique_ptr<VipsRegion, decltype(&g_object_unref)> region(
+        vips_region_new(image.get_image()), g_object_unref);
+    std::vector<RGBA16> strip(static_cast<size_t>(width) * kStrip);
+    for (int top = 0; top < image.height(); top += kStrip) {
+        const VipsRect area{0, top, width, std::min(kStrip, image.height() - top)};
+        if (vips_region_prepare(region.get(), &area) != 0) {
+            throw vips::VError();
+        }
+        for (int y = 0; y < area.height; ++y) {
+            const auto row = std::span(strip).subspan(
+                static_cast<size_t>(y) * static_cast<size_t>(width), static_cast<size_t>(width));
+            const VipsPel* const samples = VIPS_REGION_ADDR(region.get(), 0, top + y);
+            if (image.format() == VIPS_FORMAT_UCHAR) {
+                ConvertSamples(samples, bands, row);
+            } else {
+                ConvertSamples(reinterpret_cast<const uint16_t*>(samples), bands, row);
+            }
+        }
+        upright.Append(
+            std::span(strip).first(static_cast<size_t>(width) * static_cast<size_t>(area.height)));
+    }
+    return upright.Take();
+}
+
+/// Replaces the marks by the document values that they stand for and returns where they were;
+/// empty when there were none.
+std::vector<bool> TakeLowerSamples(std::span<RGBA16> pixels) {
+    std::vector<bool> lower;
+    size_t index = 0;
+    for (RGBA16& pixel : pixels) {
+        for (uint16_t* channel : {&pixel.r, &pixel.g, &pixel.b, &pixel.a}) {
+            if (*channel > kFullScale) {
+                lower.resize(pixels.size() * 4);
+                lower[index] = true;
+                *channel = Unmarked(*channel);
+            }
+            ++index;
+        }
+    }
+    return lower;
+}
+
+Picture Decode(const RasterInput& input, const char* wantedLoader,
+               std::vector<std::string>& notes) {
+    const OpenedFile file = Open(input, wantedLoader, notes);
+    const RasterHeader& header = file.header;
+    // A run makes another picture of the size.
+    RequireMemory(input.name, header.width, header.height, 2);
+    const VImage image = InKnownColours(file.image, input.name, notes);
+    Picture picture{header.width, header.height, image.format() == VIPS_FORMAT_UCHAR ? 8 : 16,
+                    PixelsOf(image)};
+    auto metadata = std::make_shared<FileMetadata>(*header.metadata);
+    metadata->width = picture.width;
+    metadata->height = picture.height;
+    if (picture.bitDepth == 16) {
+        metadata->lowerSamples = TakeLowerSamples(picture.pixels);
+    }
+    picture.metadata = std::move(metadata);
+    return picture;
+}
+
+/// Does `work`, which reads a file by libvips.
+template <typename Work>
+auto Reading(const std::string& name, Work work) {
+    StartVips();
+    try {
+        return work();
+    } catch (const vips::VError& error) {
+        const std::string reason = LastLine(error);
+        const bool isUnsupported = std::ranges::any_of(
+            std::array{"unsupported"sv, "not supported"sv, "not a whole number"sv},
+            [&](std::string_view words) { return reason.find(words) != reason.npos; });
+        throw FileError(name + (isUnsupported ? ": is of a kind that is not supported (" + reason +
+                                                    "); convert it to 8 or 16 bits a channel first"
+                                              : ": is damaged or incomplete (" + reason +
+                                                    "); get another copy of it"));
+    }
+}
+
+}  // namespace
+
+Picture ReadRaster(const RasterInput& input, std::vector<std::string>& notes) {
+    return Reading(input.name, [&] { return Decode(input, nullptr, notes); });
+}
+
+Picture DecodeRaster(std::span<const std::byte> bytes, RasterFormat format, const std::string& name,
+                     std::vector<std::string>& notes) {
+    const RasterInput input{.name = name, .bytes = bytes};
+    return Reading(name, [&] { return Decode(input, LoaderFor(format), notes); });
+}
+
+RasterHeader ReadRasterHeader(const RasterInput& input, std::vector<std::string>& notes) {
+    return Reading(input.name, [&] { return Open(input, nullptr, notes).header; });
+}
+
+}  // namespace imgbasic::host

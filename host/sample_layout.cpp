@@ -1,0 +1,258 @@
+#include "host/sample_layout.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <optional>
+
+#include "host/flatten.h"
+#include "host/sample_depth.h"
+
+namespace imgbasic::host {
+namespace {
+
+constexpr size_t kMostColours = 256;
+
+/// A pixel's four channels as a file of the sample's depth holds them.
+template <typename Sample>
+using Channels = std::array<Sample, 4>;
+
+template <typename Sample>
+Sample Rounded(uint16_t channel) {
+    if constexpr (sizeof(Sample) == 1) {
+        return ToDepth8(channel);
+    } else {
+        return ToDepth16(channel);
+    }
+}
+
+template <typename Sample>
+void RoundRow(std::span<const RGBA16> row, std::span<Channels<Sample>> out) {
+    for (size_t x = 0; x < row.size(); ++x) {
+        out[x] = {Rounded<Sample>(row[x].r), Rounded<Sample>(row[x].g), Rounded<Sample>(row[x].b),
+                  Rounded<Sample>(row[x].a)};
+    }
+}
+
+PaletteColour Sortable(Channels<uint8_t> colour) {
+    return {colour[3], colour[0], colour[1], colour[2]};
+}
+
+/// The first colours that it meets, up to one more than a palette holds.
+class ColourSet {
+  public:
+    /// False when there is no room for the colour.
+    bool Insert(Channels<uint8_t> colour) {
+        const auto key = std::bit_cast<uint32_t>(colour);
+        if (used_ > 0 && key == last_) {
+            return true;
+        }
+        last_ = key;
+        size_t slot = SlotOf(key);
+        while (occupied_[slot] && keys_[slot] != key) {
+            slot = (slot + 1) % kSlots;
+        }
+        if (!occupied_[slot]) {
+            occupied_[slot] = true;
+            keys_[slot] = key;
+            ++used_;
+        }
+        return used_ <= kMostColours;
+    }
+
+    std::vector<PaletteColour> Sorted() const {
+        std::vector<PaletteColour> colours;
+        for (size_t slot = 0; slot < kSlots; ++slot) {
+            if (occupied_[slot]) {
+                colours.push_back(Sortable(std::bit_cast<Channels<uint8_t>>(keys_[slot])));
+            }
+        }
+        std::ranges::sort(colours);
+        return colours;
+    }
+
+  private:
+    static constexpr size_t kSlots = 1024;
+
+    static size_t SlotOf(uint32_t key) { return (key * 2654435761U) >> 22U; }
+
+    std::array<uint32_t, kSlots> keys_{};
+    std::array<bool, kSlots> occupied_{};
+    size_t used_ = 0;
+    uint32_t last_ = 0;
+};
+
+static_assert(kMostColours + 1 < 1024, "a search in the set always meets an empty slot");
+
+bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha) {
+    uint16_t least = kFullScale;
+    for (const RGBA16& pixel : pixels) {
+        least = std::min(least, pixel.a);
+    }
+    return least >= leastAlpha;
+}
+
+template <typename Sample>
+class TraitsFinder {
+  public:
+    explicit TraitsFinder(bool opaque) {
+        traits_.opaque = opaque;
+        traits_.blackAndWhite = opaque;
+    }
+
+    /// False when nothing more can be found out.
+    bool Look(std::span<const Channels<Sample>> row) {
+        constexpr auto kFull = static_cast<Sample>(~Sample{0});
+        if (traits_.gray) {
+            traits_.gray = std::ranges::all_of(row, [](const auto& pixel) {
+                return pixel[0] == pixel[1] && pixel[1] == pixel[2];
+            });
+        }
+        traits_.blackAndWhite = traits_.blackAndWhite && traits_.gray &&
+                                std::ranges::all_of(row, [](const auto& pixel) {
+                                    return pixel[0] == 0 || pixel[0] == kFull;
+                                });
+        if constexpr (sizeof(Sample) == 1) {
+            fits_ = fits_ && std::ranges::all_of(
+                                 row, [this](const auto& pixel) { return colours_.Insert(pixel); });
+        }
+        return traits_.gray || fits_;
+    }
+
+    PictureTraits Take() {
+        if (fits_) {
+            traits_.palette = colours_.Sorted();
+        }
+        return std::move(traits_);
+    }
+
+  private:
+    PictureTraits traits_;
+    ColourSet colours_;
+    bool fits_ = sizeof(Sample) == 1;
+};
+
+template <typename Sample>
+PictureTraits FindTraits(const Picture& picture, bool opaque) {
+    TraitsFinder<Sample> finder(opaque);
+    const auto width = static_cast<size_t>(picture.width);
+    std::vector<Channels<Sample>> rounded(width);
+    for (size_t first = 0; first < picture.pixels.size(); first += width) {
+        RoundRow<Sample>(std::span(picture.pixels).subspan(first, width), rounded);
+        if (opaque) {
+            for (auto& pixel : rounded) {
+                pixel[3] = static_cast<Sample>(~Sample{0});
+            }
+        }
+        if (!finder.Look(rounded)) {
+            break;
+        }
+    }
+    return finder.Take();
+}
+
+/// Takes the layout's channels out of all four.
+template <typename Sample>
+void PickBands(std::span<const Channels<Sample>> row, int bands, Sample* out) {
+    // The most frequent case by itself, so that its loop has nothing to decide.
+    if (bands == 3) {
+        for (const auto& [r, g, b, a] : row) {
+            out[0] = r;
+            out[1] = g;
+            out[2] = b;
+            out += 3;
+        }
+        return;
+    }
+    const size_t step = bands == 4 ? 1 : 3;
+    for (const auto& pixel : row) {
+        for (size_t band = 0; band < static_cast<size_t>(bands); ++band) {
+            *out++ = pixel[band * step];
+        }
+    }
+}
+
+}  // namespace
+
+PictureTraits TraitsOf(const Picture& picture, int depth) {
+    const bool deep = depth == 16;
+    const bool opaque = IsOpaque(picture.pixels, deep ? kFullScale - 1 : FromDepth8(255) - 128);
+    return deep ? FindTraits<uint16_t>(picture, opaque) : FindTraits<uint8_t>(picture, opaque);
+}
+
+SampleRows::SampleRows(const Picture& picture, const SampleLayout& layout)
+    : picture_(picture), layout_(layout) {
+    const FileMetadata* metadata = picture.metadata.get();
+    keepsLowerSamples_ = layout.depth == 16 && metadata != nullptr &&
+                         metadata->width == picture.width && metadata->height == picture.height &&
+                         metadata->lowerSamples.size() == picture.pixels.size() * 4;
+}
+
+size_t SampleRows::RowSize() const {
+    return static_cast<size_t>(picture_.width) * static_cast<size_t>(layout_.bands) *
+           (layout_.depth == 16 ? 2 : 1);
+}
+
+void SampleRows::Fill(int32_t y, std::byte* out) const {
+    const auto width = static_cast<size_t>(picture_.width);
+    std::span<const RGBA16> row =
+        std::span(picture_.pixels).subspan(static_cast<size_t>(y) * width, width);
+    std::vector<RGBA16> overWhite;
+    if (layout_.overWhite) {
+        overWhite.assign(row.begin(), row.end());
+        for (RGBA16& pixel : overWhite) {
+            pixel = Composite(pixel, CompositionKind::Normal,
+                              {kFullScale, kFullScale, kFullScale, kFullScale});
+        }
+        row = overWhite;
+    }
+    if (!layout_.palette.empty()) {
+        FillIndices(row, reinterpret_cast<uint8_t*>(out));
+    } else if (layout_.depth == 16) {
+        std::vector<Channels<uint16_t>> rounded(width);
+        RoundRow<uint16_t>(row, rounded);
+        KeepLowerSamples(y, rounded);
+        PickBands<uint16_t>(rounded, layout_.bands, reinterpret_cast<uint16_t*>(out));
+    } else {
+        std::vector<Channels<uint8_t>> rounded(width);
+        RoundRow<uint8_t>(row, rounded);
+        PickBands<uint8_t>(rounded, layout_.bands, reinterpret_cast<uint8_t*>(out));
+    }
+}
+
+void SampleRows::FillIndices(std::span<const RGBA16> row, uint8_t* out) const {
+    std::vector<Channels<uint8_t>> rounded(row.size());
+    RoundRow<uint8_t>(row, rounded);
+    std::optional<PaletteColour> last;
+    uint8_t index = 0;
+    for (const Channels<uint8_t>& pixel : rounded) {
+        PaletteColour colour = Sortable(pixel);
+        if (layout_.palette.front()[0] == 255) {
+            colour[0] = 255;
+        }
+        if (colour != last) {
+            last = colour;
+            index = static_cast<uint8_t>(std::ranges::lower_bound(layout_.palette, colour) -
+                                         layout_.palette.begin());
+        }
+        *out++ = index;
+    }
+}
+
+void SampleRows::KeepLowerSamples(int32_t y, std::span<std::array<uint16_t, 4>> row) const {
+    if (!keepsLowerSamples_) {
+        return;
+    }
+    const std::vector<bool>& lower = picture_.metadata->lowerSamples;
+    size_t index = static_cast<size_t>(y) * row.size() * 4;
+    for (auto& pixel : row) {
+        for (uint16_t& sample : pixel) {
+            if (HasLowerTwin(sample) && lower[index]) {
+                --sample;
+            }
+            ++index;
+        }
+    }
+}
+
+}  // namespace imgbasic::host
