@@ -83,9 +83,13 @@ struct Document {
     int bitDepth = 8;         ///< bits a channel of the file that it came from, 8 or 16
     std::vector<Item> items;  ///< 0 on top
     /// The file that it came from, as far as the rest of the document does not tell it.
-    std::shared_ptr<const OpenRasterSource> source{    /// What the file beside the picture held; null for a file with layers.
+    std::shared_ptr<const OpenRasterSource> source{};
+    /// What the file held beside the picture; null for a file with layers.
     std::shared_ptr<const FileMetadata> metadata{};
+};
 
+/// The layers among the items, those in folders at any depth included.
+size_t CountLayers(const std::vector<Item>& items);
 
 /// The layer whose pixels are what the document shows; null when they have to be composed.
 const Layer* WholePicture(const Document& document);

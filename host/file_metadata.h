@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,9 @@ struct FileMetadata {
     int32_t height = 0;
     std::vector<bool> lowerSamples;
 };
+
+/// Reads up to `size` bytes from `position` of a file; fewer at its end.
+using ReadAt = std::function<std::string(int64_t position, size_t size)>;
 
 enum class ProfileKind { None, Gray, Rgb, Other };
 

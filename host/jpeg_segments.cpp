@@ -89,8 +89,6 @@ std::string JfifSegment(const FileMetadata& metadata) {
 }  // namespace
 
 void ReadJpegHeader(const ReadAt& read, FileMetadata& metadata) {
-    metadata.xResolution = 0;
-    metadata.yResolution = 0;
     int64_t position = 2;
     for (std::string head = read(position, 4); head.size() == 4 && head[0] == '\xFF';
          head = read(position, 4)) {

@@ -31,9 +31,9 @@ double AvailableMemory() {
 
 }  // namespace
 
-void RequireMemory(const std::string& file, int64_t width, int64_t height, size_t pictures) {
+void RequireMemory(const std::string& file, int64_t width, int64_t height, size_t layers) {
     const double needed = static_cast<double>(width) * static_cast<double>(height) *
-                          static_cast<double>(pictures) * sizeof(RGBA16);
+                          static_cast<double>(layers + 1) * sizeof(RGBA16);
     const double available = AvailableMemory();
     if (needed <= available) {
         return;
@@ -41,9 +41,9 @@ void RequireMemory(const std::string& file, int64_t width, int64_t height, size_
     constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
     char sizes[160];
     std::snprintf(sizes, sizeof sizes,
-                  "%lld x %lld pixels need %.1f GiB of memory and %.1f GiB are free",
-                  static_cast<long long>(width), static_cast<long long>(height), needed / kGibibyte,
-                  available / kGibibyte);
+                  "%lld x %lld pixels in %zu layer%s need %.1f GiB of memory and %.1f GiB are free",
+                  static_cast<long long>(width), static_cast<long long>(height), layers,
+                  layers == 1 ? "" : "s", needed / kGibibyte, available / kGibibyte);
     throw FileError(file + ": " + sizes + "; make the image smaller first");
 }
 

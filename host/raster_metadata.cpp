@@ -1,8 +1,7 @@
 #include "host/raster_metadata.h"
 
-#include <cstring>
-
 #include "host/exif.h"
+#include "host/jpeg_segments.h"
 
 namespace imgbasic::host {
 namespace {
@@ -55,32 +54,60 @@ void* TakeText(VipsImage* image, const char* field, GValue* /*value*/, void* tex
     return nullptr;
 }
 
-/// libvips counts one pixel a millimetre where a file tells nothing, and has as many pixels a
-/// millimetre as a TIFF has in no unit.
-void TakeResolution(const VImage& image, FileMetadata& metadata) {
-    const ExifResolution exif = ResolutionOfExif(metadata.exif);
-    const bool hasUnit = image.get_typeof("vips-loader") == 0 ||
-                         !std::string_view(image.get_string("vips-loader")).starts_with("tiff") ||
-                         image.get_typeof(VIPS_META_RESOLUTION_UNIT) != 0;
-    if (exif.x > 0 && exif.y > 0) {
-        metadata.xResolution = exif.x;
-        metadata.yResolution = exif.y;
-    } else if (hasUnit && (image.xres() != 1 || image.yres() != 1)) {
+/// Takes the resolution in a PNG's header.
+void TakePngResolution(const ReadAt& read, FileMetadata& metadata) {
+    const auto number = [](std::string_view bytes, size_t at) {
+        uint32_t value = 0;
+        for (const char byte : bytes.substr(at, 4)) {
+            value = value << 8 | static_cast<uint8_t>(byte);
+        }
+        return value;
+    };
+    constexpr size_t kContentAt = 8;
+    constexpr size_t kContentSize = 9;
+    int64_t position = 8;
+    // Length, type, content, checksum.
+    for (std::string chunk = read(position, kContentAt + kContentSize);
+         chunk.size() > kContentAt && chunk.compare(4, 4, "IDAT") != 0;
+         chunk = read(position, kContentAt + kContentSize)) {
+        const bool isInMetres = chunk.size() == kContentAt + kContentSize && chunk.back() == 1;
+        if (chunk.compare(4, 4, "pHYs") == 0 && isInMetres) {
+            metadata.xResolution = number(chunk, kContentAt) / 1000.0;
+            metadata.yResolution = number(chunk, kContentAt + 4) / 1000.0;
+        }
+        position += int64_t{number(chunk, 0)} + 12;
+    }
+}
+
+/// libvips makes up a resolution where a file tells none, another one for each format, and takes
+/// a TIFF's ratio without a unit for pixels a millimetre.
+void TakeResolution(const VImage& image, const ReadAt& read, FileMetadata& metadata) {
+    const std::string_view loader = image.get_string("vips-loader");
+    if (loader.starts_with("jpeg")) {
+        ReadJpegHeader(read, metadata);
+    } else if (loader.starts_with("png")) {
+        TakePngResolution(read, metadata);
+    } else if (loader.starts_with("tiff") && image.get_typeof(VIPS_META_RESOLUTION_UNIT) != 0) {
         metadata.xResolution = image.xres();
         metadata.yResolution = image.yres();
+    }
+    if (metadata.xResolution == 0 || metadata.yResolution == 0) {
+        const ExifResolution exif = ResolutionOfExif(metadata.exif);
+        metadata.xResolution = exif.x;
+        metadata.yResolution = exif.y;
     }
 }
 
 }  // namespace
 
-FileMetadata MetadataOf(const VImage& image) {
+FileMetadata MetadataOf(const VImage& image, const ReadAt& read) {
     FileMetadata metadata;
     metadata.profile = Blob(image, VIPS_META_ICC_NAME);
     metadata.exif = WithoutStart(Blob(image, VIPS_META_EXIF_NAME), "Exif\0\0"sv);
     metadata.xmp = Blob(image, VIPS_META_XMP_NAME);
     metadata.iptc = IptcIn(image);
     vips_image_map(image.get_image(), TakeText, &metadata.texts);
-    TakeResolution(image, metadata);
+    TakeResolution(image, read, metadata);
     MakeExifUpright(metadata.exif);
     MakeXmpUpright(metadata.xmp);
     if (vips_image_get_orientation(image.get_image()) > 4) {

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string_view>
 
-#include "host/jpeg_segments.h"
 #include "host/memory_limit.h"
 #include "host/raster_file.h"
 #include "host/raster_metadata.h"
@@ -98,6 +97,9 @@ struct OpenedFile {
 OpenedFile Open(const RasterInput& input, const char* wantedLoader,
                 std::vector<std::string>& notes) {
     const std::optional<VImage> image = ImageIn(input, wantedLoader);
+    if (!image && wantedLoader != nullptr) {
+        throw vips::VError("it is of another format");
+    }
     if (!image) {
         throw FileError(input.name +
                         ": is no image that can be read; convert it to PNG, JPEG, WebP, TIFF or "
@@ -118,13 +120,10 @@ OpenedFile Open(const RasterInput& input, const char* wantedLoader,
     header.bitDepth = file.image.format() == VIPS_FORMAT_UCHAR ? 8 : 16;
     const std::string_view loader = file.image.get_string("vips-loader");
     header.format = loader.substr(0, loader.find("load"));
-    auto metadata = std::make_shared<FileMetadata>(MetadataOf(file.image));
-    if (header.format == "jpeg") {
-        ReadJpegHeader(
-            [&](int64_t position, size_t size) { return ReadPart(input, position, size); },
-            *metadata);
-    }
-    header.metadata = std::move(metadata);
+    const ReadAt read = [&](int64_t position, size_t size) {
+        return ReadPart(input, position, size);
+    };
+    header.metadata = std::make_shared<FileMetadata>(MetadataOf(file.image, read));
     return file;
 }
 
@@ -250,8 +249,7 @@ Picture Decode(const RasterInput& input, const char* wantedLoader,
                std::vector<std::string>& notes) {
     const OpenedFile file = Open(input, wantedLoader, notes);
     const RasterHeader& header = file.header;
-    // A run makes another picture of the size.
-    RequireMemory(input.name, header.width, header.height, 2);
+    RequireMemory(input.name, header.width, header.height, 1);
     const VImage image = InKnownColours(file.image, input.name, notes);
     Picture picture{header.width, header.height, image.format() == VIPS_FORMAT_UCHAR ? 8 : 16,
                     PixelsOf(image)};

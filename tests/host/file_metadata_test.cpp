@@ -34,17 +34,22 @@ std::string Exif(char orientation) {
            "view"s;
 }
 
-/// A profile without a single tag, for the colour space of four letters.
+/// A profile with a single tag, which means nothing, for the colour space of four letters.
 std::string Profile(const std::string& space) {
-    std::string profile(132, '\0');
+    std::string profile(400, '\0');
     const auto put = [&profile](size_t at, const std::string& bytes) {
         profile.replace(at, bytes.size(), bytes);
     };
-    put(3, "\x84");
+    put(2, "\x01\x90");
     put(8, "\x02");
     put(12, "mntr" + space + "XYZ ");
     put(36, "acsp");
     put(68, "\0\0\xF6\xD6\0\1\0\0\0\0\xD3\x2D"s);
+    put(128, "\0\0\0\1cprt\0\0\0\x90\0\0\1\0"s);
+    // Readers take one that packs to nothing for cut off.
+    for (size_t i = 144; i < profile.size(); ++i) {
+        profile[i] = static_cast<char>(i * i % 251);
+    }
     return profile;
 }
 
