@@ -25,7 +25,7 @@ struct PngJob {
     const SampleRows rows;
     const FileMetadata& metadata;
     int zlibLevel;
-    std::vector<png_color> colours{};
+    std::vector<png_color> colors{};
     std::vector<png_byte> alphas{};
     std::vector<png_text> texts{};
     std::vector<std::byte> row{};
@@ -33,7 +33,7 @@ struct PngJob {
     std::string fault{};
 };
 
-int ColourTypeOf(const SampleLayout& layout) {
+int ColorTypeOf(const SampleLayout& layout) {
     if (!layout.palette.empty()) {
         return PNG_COLOR_TYPE_PALETTE;
     }
@@ -98,10 +98,10 @@ void WriteHeader(png_structp png, png_infop info, PngJob& job) {
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_IHDR(png, info, static_cast<png_uint_32>(job.picture.width),
                  static_cast<png_uint_32>(job.picture.height), job.layout.depth,
-                 ColourTypeOf(job.layout), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 ColorTypeOf(job.layout), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                  PNG_FILTER_TYPE_DEFAULT);
-    if (!job.colours.empty()) {
-        png_set_PLTE(png, info, job.colours.data(), static_cast<int>(job.colours.size()));
+    if (!job.colors.empty()) {
+        png_set_PLTE(png, info, job.colors.data(), static_cast<int>(job.colors.size()));
     }
     if (!job.alphas.empty()) {
         png_set_tRNS(png, info, job.alphas.data(), static_cast<int>(job.alphas.size()), nullptr);
@@ -151,7 +151,7 @@ std::vector<std::byte> EncodePng(const Picture& picture, const SampleLayout& lay
                                  const std::string& name) {
     PngJob job{picture, layout, SampleRows(picture, layout), metadata, zlibLevel};
     for (const auto& [a, r, g, b] : layout.palette) {
-        job.colours.push_back({r, g, b});
+        job.colors.push_back({r, g, b});
         if (a < 255) {
             job.alphas.push_back(a);
         }

@@ -128,8 +128,8 @@ OpenedFile Open(const RasterInput& input, const char* wantedLoader,
 }
 
 /// The same picture in gray or RGB of 8 or 16 bits, with alpha or without.
-VImage InKnownColours(const VImage& image, const std::string& name,
-                      std::vector<std::string>& notes) {
+VImage InKnownColors(const VImage& image, const std::string& name,
+                     std::vector<std::string>& notes) {
     const bool deep = image.format() != VIPS_FORMAT_UCHAR;
     const VipsInterpretation wanted = deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
     switch (image.interpretation()) {
@@ -250,7 +250,7 @@ Picture Decode(const RasterInput& input, const char* wantedLoader,
     const OpenedFile file = Open(input, wantedLoader, notes);
     const RasterHeader& header = file.header;
     RequireMemory(input.name, header.width, header.height, 1);
-    const VImage image = InKnownColours(file.image, input.name, notes);
+    const VImage image = InKnownColors(file.image, input.name, notes);
     Picture picture{header.width, header.height, image.format() == VIPS_FORMAT_UCHAR ? 8 : 16,
                     PixelsOf(image)};
     auto metadata = std::make_shared<FileMetadata>(*header.metadata);

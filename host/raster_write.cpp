@@ -60,17 +60,17 @@ FormatTraits FormatTraitsOf(RasterFormat format) {
 }
 
 /// Bits of an index into so many colours.
-int IndexDepth(size_t colours) {
-    return colours <= 2 ? 1 : colours <= 4 ? 2 : colours <= 16 ? 4 : 8;
+int IndexDepth(size_t colors) {
+    return colors <= 2 ? 1 : colors <= 4 ? 2 : colors <= 16 ? 4 : 8;
 }
 
 /// Whether a palette and its indices take less room than samples of `bands` bytes a pixel.
-bool PaletteSaves(const Picture& picture, size_t colours, int bands) {
-    constexpr size_t kPerColour = 3;
+bool PaletteSaves(const Picture& picture, size_t colors, int bands) {
+    constexpr size_t kPerColor = 3;
     constexpr size_t kChunk = 12;
     const size_t pixels = picture.pixels.size();
-    const auto depth = static_cast<size_t>(IndexDepth(colours));
-    return colours * kPerColour + kChunk + pixels * depth / 8 < pixels * static_cast<size_t>(bands);
+    const auto depth = static_cast<size_t>(IndexDepth(colors));
+    return colors * kPerColor + kChunk + pixels * depth / 8 < pixels * static_cast<size_t>(bands);
 }
 
 SampleLayout LayoutFor(const Picture& picture, int depth, PictureTraits traits,
@@ -119,8 +119,8 @@ FileMetadata MetadataFor(const Picture& picture, const SampleLayout& layout,
     // Black and white are the same in all, and what was converted has been told before.
     if ((kind == ProfileKind::Gray || kind == ProfileKind::Rgb) && layout.depth != 1) {
         notes.push_back(name + ": the colour profile was left out, being for " +
-                        (kind == ProfileKind::Gray ? "gray and the picture is not"
-                                                   : "colour and the picture is gray"));
+                        (kind == ProfileKind::Gray ? "grey and the picture is not"
+                                                   : "colour and the picture is grey"));
     }
     metadata.profile.clear();
     return metadata;
@@ -140,12 +140,12 @@ int GenerateRows(VipsRegion* region, void* /*sequence*/, void* rows, void* /*unu
 /// An image for libvips that makes its rows when they are needed; borrows `rows`.
 VImage ImageOf(const Picture& picture, const SampleLayout& layout, SampleRows& rows) {
     const bool deep = layout.depth == 16;
-    const VipsInterpretation colours = deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
+    const VipsInterpretation colors = deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
     const VipsInterpretation grays = deep ? VIPS_INTERPRETATION_GREY16 : VIPS_INTERPRETATION_B_W;
     const VImage image(vips_image_new());
     vips_image_init_fields(image.get_image(), picture.width, picture.height, layout.bands,
                            deep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR, VIPS_CODING_NONE,
-                           IsGray(layout) ? grays : colours, 1, 1);
+                           IsGray(layout) ? grays : colors, 1, 1);
     if (vips_image_pipelinev(image.get_image(), VIPS_DEMAND_STYLE_THINSTRIP, nullptr) != 0 ||
         vips_image_generate(image.get_image(), nullptr, GenerateRows, nullptr, &rows, nullptr) !=
             0) {

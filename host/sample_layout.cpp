@@ -11,7 +11,7 @@
 namespace imgbasic::host {
 namespace {
 
-constexpr size_t kMostColours = 256;
+constexpr size_t kMostColors = 256;
 
 /// A pixel's four channels as a file of the sample's depth holds them.
 template <typename Sample>
@@ -34,16 +34,16 @@ void RoundRow(std::span<const RGBA16> row, std::span<Channels<Sample>> out) {
     }
 }
 
-PaletteColour Sortable(Channels<uint8_t> colour) {
-    return {colour[3], colour[0], colour[1], colour[2]};
+PaletteColor Sortable(Channels<uint8_t> color) {
+    return {color[3], color[0], color[1], color[2]};
 }
 
 /// The first colours that it meets, up to one more than a palette holds.
-class ColourSet {
+class ColorSet {
   public:
     /// False when there is no room for the colour.
-    bool Insert(Channels<uint8_t> colour) {
-        const auto key = std::bit_cast<uint32_t>(colour);
+    bool Insert(Channels<uint8_t> color) {
+        const auto key = std::bit_cast<uint32_t>(color);
         if (used_ > 0 && key == last_) {
             return true;
         }
@@ -57,18 +57,18 @@ class ColourSet {
             keys_[slot] = key;
             ++used_;
         }
-        return used_ <= kMostColours;
+        return used_ <= kMostColors;
     }
 
-    std::vector<PaletteColour> Sorted() const {
-        std::vector<PaletteColour> colours;
+    std::vector<PaletteColor> Sorted() const {
+        std::vector<PaletteColor> colors;
         for (size_t slot = 0; slot < kSlots; ++slot) {
             if (occupied_[slot]) {
-                colours.push_back(Sortable(std::bit_cast<Channels<uint8_t>>(keys_[slot])));
+                colors.push_back(Sortable(std::bit_cast<Channels<uint8_t>>(keys_[slot])));
             }
         }
-        std::ranges::sort(colours);
-        return colours;
+        std::ranges::sort(colors);
+        return colors;
     }
 
   private:
@@ -82,7 +82,7 @@ class ColourSet {
     uint32_t last_ = 0;
 };
 
-static_assert(kMostColours + 1 < 1024, "a search in the set always meets an empty slot");
+static_assert(kMostColors + 1 < 1024, "a search in the set always meets an empty slot");
 
 bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha) {
     uint16_t least = kFullScale;
@@ -114,21 +114,21 @@ class TraitsFinder {
                                 });
         if constexpr (sizeof(Sample) == 1) {
             fits_ = fits_ && std::ranges::all_of(
-                                 row, [this](const auto& pixel) { return colours_.Insert(pixel); });
+                                 row, [this](const auto& pixel) { return colors_.Insert(pixel); });
         }
         return traits_.gray || fits_;
     }
 
     PictureTraits Take() {
         if (fits_) {
-            traits_.palette = colours_.Sorted();
+            traits_.palette = colors_.Sorted();
         }
         return std::move(traits_);
     }
 
   private:
     PictureTraits traits_;
-    ColourSet colours_;
+    ColorSet colors_;
     bool fits_ = sizeof(Sample) == 1;
 };
 
@@ -223,16 +223,16 @@ void SampleRows::Fill(int32_t y, std::byte* out) const {
 void SampleRows::FillIndices(std::span<const RGBA16> row, uint8_t* out) const {
     std::vector<Channels<uint8_t>> rounded(row.size());
     RoundRow<uint8_t>(row, rounded);
-    std::optional<PaletteColour> last;
+    std::optional<PaletteColor> last;
     uint8_t index = 0;
     for (const Channels<uint8_t>& pixel : rounded) {
-        PaletteColour colour = Sortable(pixel);
+        PaletteColor color = Sortable(pixel);
         if (layout_.palette.front()[0] == 255) {
-            colour[0] = 255;
+            color[0] = 255;
         }
-        if (colour != last) {
-            last = colour;
-            index = static_cast<uint8_t>(std::ranges::lower_bound(layout_.palette, colour) -
+        if (color != last) {
+            last = color;
+            index = static_cast<uint8_t>(std::ranges::lower_bound(layout_.palette, color) -
                                          layout_.palette.begin());
         }
         *out++ = index;

@@ -12,22 +12,22 @@ namespace imgbasic::host {
 
 /// A colour of 8 bits a channel: alpha, red, green, blue. Sorted, translucent ones come first, as
 /// a PNG wants them.
-using PaletteColour = std::array<uint8_t, 4>;
+using PaletteColor = std::array<uint8_t, 4>;
 
 /// How a file stores the pixels of a picture.
 struct SampleLayout {
     int bands = 4;  ///< 1 gray or index, 2 gray and alpha, 3 RGB, 4 RGBA
     int depth = 8;  ///< bits a sample: 8 or 16, also 1 for black and white, 1, 2 or 4 for an index
-    bool overWhite = false;                ///< translucent pixels are laid over white
-    std::vector<PaletteColour> palette{};  ///< sorted; when there is one, the samples are indices
+    bool overWhite = false;               ///< translucent pixels are laid over white
+    std::vector<PaletteColor> palette{};  ///< sorted; when there is one, the samples are indices
 };
 
 /// What the pixels, rounded to a depth, have in common.
 struct PictureTraits {
     bool opaque = true;
     bool gray = true;
-    bool blackAndWhite = true;             ///< and nothing else; opaque
-    std::vector<PaletteColour> palette{};  ///< all colours, sorted; empty when there are over 256
+    bool blackAndWhite = true;            ///< and nothing else; opaque
+    std::vector<PaletteColor> palette{};  ///< all colours, sorted; empty when there are over 256
 };
 
 /// Looks at every pixel as a file of `depth`, 8 or 16 bits a channel, would hold it. A picture

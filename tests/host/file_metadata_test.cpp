@@ -114,7 +114,7 @@ TEST_F(Metadata, EveryOrientationIsTurnedUprightOnce) {
                  {7, {"FC", "EB", "DA"}}, {8, {"CF", "BE", "AD"}}};
     // Every letter stands for a block of pixels, higher than what is decoded at a time.
     constexpr int kBlock = 20;
-    const auto colour = [](char letter) {
+    const auto color = [](char letter) {
         return RGBA16{static_cast<uint16_t>(letter * 256), 0, 0, kFullScale};
     };
     const auto draw = [&](const std::vector<std::string>& letters) {

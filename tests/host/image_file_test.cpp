@@ -137,7 +137,7 @@ TEST_F(ImageFile, ThePixelsDecideHowTheFileHoldsThem) {
         const char* what;
         int bitDepth;
         std::vector<RGBA16> palette;
-        int colourType;
+        int colorType;
         int bits;
     };
     const RGBA16 black{0, 0, 0, kFullScale};
@@ -154,8 +154,8 @@ TEST_F(ImageFile, ThePixelsDecideHowTheFileHoldsThem) {
     std::vector<RGBA16> translucentGrays = grays;
     translucentGrays.push_back({0, 0, 0, 0x100});
     RandomDocuments random(4);
-    std::vector<RGBA16> colours = random.Pixels(257, 8);
-    std::vector<RGBA16> fewer(colours.begin(), colours.end() - 1);
+    std::vector<RGBA16> colors = random.Pixels(257, 8);
+    std::vector<RGBA16> fewer(colors.begin(), colors.end() - 1);
     const Case cases[] = {{"black and white", 8, {black, white}, 0, 1},
                           {"deep black and white", 16, {black, white}, 0, 1},
                           {"all grays", 8, grays, 0, 8},
@@ -165,7 +165,7 @@ TEST_F(ImageFile, ThePixelsDecideHowTheFileHoldsThem) {
                           {"two colours", 8, {red, white}, 3, 1},
                           {"a hidden colour", 8, {red, clearRed, white}, 3, 2},
                           {"a full palette", 8, fewer, 3, 8},
-                          {"too many colours", 8, colours, 6, 8}};
+                          {"too many colours", 8, colors, 6, 8}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         std::vector<RGBA16> pixels;
@@ -177,7 +177,7 @@ TEST_F(ImageFile, ThePixelsDecideHowTheFileHoldsThem) {
             (void)SaveDocument(document, Path(name), {.overwrite = true});
             EXPECT_TRUE(Flatten(LoadDocument(Path(name))) == pixels);
         }
-        EXPECT_EQ(Bytes("c.png")[25], c.colourType);
+        EXPECT_EQ(Bytes("c.png")[25], c.colorType);
         EXPECT_EQ(Bytes("c.png")[24], c.bits);
         const SaveOptions plain{.overwrite = true, .encode = {}};
         (void)SaveDocument(document, Path("c.png"), plain);
