@@ -123,7 +123,7 @@ TEST_F(Metadata, EveryOrientationIsTurnedUprightOnce) {
         std::vector<RGBA16> pixels;
         for (int32_t y = 0; y < height; ++y) {
             for (int32_t x = 0; x < width; ++x) {
-                pixels.push_back(colour(
+                pixels.push_back(color(
                     letters[static_cast<size_t>(y / kBlock)][static_cast<size_t>(x / kBlock)]));
             }
         }
