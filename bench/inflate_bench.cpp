@@ -115,7 +115,8 @@ void InflateByOurs(const Bytes& stream, Bytes& out, size_t piece) {
 // Reports how many times as fast as zlib and, where it is installed, libdeflate the module's own
 // decoder is.
 void Inflate(benchmark::State& state, const Deflated& deflated, size_t piece) {
-    const auto& [bytes, data] = deflated;
+    const Bytes& bytes = deflated.bytes;
+    const Bytes& data = deflated.data;
     const auto size = static_cast<uint32_t>(bytes.size());
     Bytes stream{0x41, 0xFA, 0, 0};
     for (const uint32_t number : {size, 0U}) {
