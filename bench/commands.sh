@@ -44,7 +44,7 @@ measure() {
     printf '| %s | %s | %s | %s |\n' "$label" \
         "$(awk '{ printf "%.2f\n", $1 + $2 }' times | median)" \
         "$(awk '{ printf "%.0f\n", $3 / 1024 }' times | median)" \
-        "$(awk -v bytes="$(stat -c %s "$output")" 'BEGIN { printf "%.1f", bytes / 1e6 }')"
+        "$(awk -v bytes="$(stat -c %s "$output")" 'BEGIN { printf "%.2f", bytes / 1e6 }')"
 }
 
 jpeg="[Q=95,subsample_mode=off]"
@@ -66,7 +66,7 @@ measure "  libvips colourspace b-w" o.jpg vips colourspace photo.jpg "o.jpg$jpeg
 measure "mono, JPEG to PNG" o.png "$program" mono photo.jpg -o o.png
 measure "  libvips extract_band, threshold" o.png \
     bash -c 'vips extract_band photo.jpg r.v 0 && vips relational_const r.v "o.png[bitdepth=1]" moreeq 128'
-measure "  ImageMagick -threshold" o.png "${magick[@]}" photo.jpg -channel R -separate -threshold 50% o.png
+measure "  ImageMagick -threshold" o.png "${magick[@]}" photo.jpg -channel R -separate +channel -threshold 50% o.png
 measure "scaling to 50 %, average, JPEG to PNG" o.png "$program" scaling photo.jpg -o o.png --ratio 50 --interp average
 measure "  libvips shrink" o.png vips shrink photo.jpg o.png 2 2
 measure "  ImageMagick -scale" o.png "${magick[@]}" photo.jpg -scale 50% o.png
