@@ -7,15 +7,16 @@
 namespace imgbasic::host {
 
 std::vector<RGBA16> RoomFor(size_t count) {
-    constexpr uintptr_t kLargePage = uintptr_t{2} << 20U;
+    constexpr size_t kLargePage = size_t{2} << 20U;
     std::vector<RGBA16> pixels;
     pixels.reserve(count);
-    const auto begin = reinterpret_cast<uintptr_t>(pixels.data());
-    const uintptr_t end = begin + count * sizeof(RGBA16);
-    const uintptr_t first = (begin + kLargePage - 1) / kLargePage * kLargePage;
-    if (first < end) {
+    auto* const begin = reinterpret_cast<std::byte*>(pixels.data());
+    const size_t bytes = count * sizeof(RGBA16);
+    const size_t toPage =
+        (kLargePage - reinterpret_cast<uintptr_t>(begin) % kLargePage) % kLargePage;
+    if (toPage < bytes) {
         // Only advice; without it the room is the same.
-        (void)madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+        (void)madvise(begin + toPage, bytes - toPage, MADV_HUGEPAGE);
     }
     return pixels;
 }

@@ -19,7 +19,7 @@ FileMetadata::Bytes Blob(const VImage& image, const char* field) {
 }
 
 /// Removes what stands before an EXIF or an IPTC block in some formats.
-FileMetadata::Bytes WithoutStart(FileMetadata::Bytes bytes, std::string_view start) {
+FileMetadata::Bytes WithoutStart(const FileMetadata::Bytes& bytes, std::string_view start) {
     return TextOf(bytes).starts_with(start) ? MetadataBytes(TextOf(bytes).substr(start.size()))
                                             : bytes;
 }
