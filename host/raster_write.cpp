@@ -142,7 +142,7 @@ VImage ImageOf(const Picture& picture, const SampleLayout& layout, SampleRows& r
     const bool deep = layout.depth == 16;
     const VipsInterpretation colors = deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
     const VipsInterpretation grays = deep ? VIPS_INTERPRETATION_GREY16 : VIPS_INTERPRETATION_B_W;
-    const VImage image(vips_image_new());
+    VImage image(vips_image_new());
     vips_image_init_fields(image.get_image(), picture.width, picture.height, layout.bands,
                            deep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR, VIPS_CODING_NONE,
                            IsGray(layout) ? grays : colors, 1, 1);
