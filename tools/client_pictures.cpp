@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <string>
 
 #include "host/flatten.h"
@@ -36,6 +37,10 @@ RGBA16 Pixel(int red, int green, int blue, int alpha) {
     return {channel(red), channel(green), channel(blue), channel(alpha)};
 }
 
+size_t PlaceOf(int32_t x, int32_t y) {
+    return static_cast<size_t>(y) * kWidth + static_cast<size_t>(x);
+}
+
 /// A layer that `paint` colours inside `area`, by the coordinates within a tile, 0 to 255.
 template <typename Paint>
 Layer Painted(const std::string& name, const PixelRect& area, Paint paint) {
@@ -45,7 +50,7 @@ Layer Painted(const std::string& name, const PixelRect& area, Paint paint) {
     layer.pixels.resize(PixelCount(kWidth, kHeight));
     for (int32_t y = area.top; y < area.bottom; ++y) {
         for (int32_t x = area.left; x < area.right; ++x) {
-            layer.pixels[static_cast<size_t>(y * kWidth + x)] =
+            layer.pixels[PlaceOf(x, y)] =
                 paint(x % kTile * 255 / (kTile - 1), y % kTile * 255 / (kTile - 1));
         }
     }
@@ -149,7 +154,7 @@ double Largest(const std::vector<RGBA16>& a, const std::vector<RGBA16>& b, const
     double most = 0;
     for (int32_t y = area.top; y < area.bottom; ++y) {
         for (int32_t x = area.left; x < area.right; ++x) {
-            const auto place = static_cast<size_t>(y * kWidth + x);
+            const auto place = PlaceOf(x, y);
             most = std::max(most, Difference(a[place], b[place]));
         }
     }
@@ -190,10 +195,10 @@ int Run(int argc, char** argv) {
     if (verb == "write" && argc == 3) {
         for (const int depth : {8, 16}) {
             const std::string end = std::to_string(depth) + ".ora";
-            const std::string folder = argv[2] + std::string("/");
-            (void)SaveDocument(Normal(depth), folder + "normal" + end, {.overwrite = true});
-            (void)SaveDocument(Groups(depth), folder + "groups" + end, {.overwrite = true});
-            (void)SaveDocument(Modes(depth), folder + "modes" + end, {.overwrite = true});
+            const std::filesystem::path folder = argv[2];
+            (void)SaveDocument(Normal(depth), folder / ("normal" + end), {.overwrite = true});
+            (void)SaveDocument(Groups(depth), folder / ("groups" + end), {.overwrite = true});
+            (void)SaveDocument(Modes(depth), folder / ("modes" + end), {.overwrite = true});
         }
         return EXIT_SUCCESS;
     }

@@ -1,6 +1,6 @@
 #include "host/file_metadata.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "host/exif.h"
 #include "host/flatten.h"
@@ -10,9 +10,6 @@ namespace imgbasic::host {
 namespace {
 
 using namespace std::string_literals;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 using Metadata = FileTest;
 
