@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cctype>
 #include <memory>
 #include <numeric>
@@ -231,7 +232,7 @@ class RecordingProcess final : public ImageProcess {
 /// An address that nobody follows.
 template <typename Pointer>
 Pointer At(uintptr_t address) {
-    return reinterpret_cast<Pointer>(address);
+    return std::bit_cast<Pointer>(address);
 }
 
 TEST(Entry, HandsArgumentsOnInTheirOrder) {
