@@ -42,29 +42,30 @@ int ColorTypeOf(const SampleLayout& layout) {
     return kTypes[layout.bands - 1];
 }
 
-/// libpng takes no const text; it does not write to it.
-png_text TextFor(const std::string& keyword, std::string_view text) {
+/// libpng takes no const text; it does not write to it, but reads on to the terminator.
+png_text TextFor(const std::string& keyword, const std::string& text) {
     const bool ascii =
         std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 128; });
     const bool isXmp = keyword == kXmpKeyword;
     png_text entry{};
     entry.compression = isXmp || !ascii ? PNG_ITXT_COMPRESSION_NONE : PNG_TEXT_COMPRESSION_NONE;
     entry.key = const_cast<char*>(keyword.c_str());
-    entry.text = const_cast<char*>(text.data());
+    entry.text = const_cast<char*>(text.c_str());
     (entry.compression == PNG_ITXT_COMPRESSION_NONE ? entry.itxt_length : entry.text_length) =
         text.size();
     return entry;
 }
 
-void CollectTexts(PngJob& job, const std::string& xmpKeyword) {
+/// The texts are borrowed; `xmp` is that of the metadata.
+void CollectTexts(PngJob& job, const std::string& xmpKeyword, const std::string& xmp) {
     const FileMetadata& metadata = job.metadata;
     for (const TextEntry& entry : metadata.texts) {
         if (!entry.keyword.empty() && entry.keyword.size() <= kLongestKeyword) {
             job.texts.push_back(TextFor(entry.keyword, entry.text));
         }
     }
-    if (!metadata.xmp.empty()) {
-        job.texts.push_back(TextFor(xmpKeyword, TextOf(metadata.xmp)));
+    if (!xmp.empty()) {
+        job.texts.push_back(TextFor(xmpKeyword, xmp));
     }
 }
 
@@ -157,7 +158,8 @@ std::vector<std::byte> EncodePng(const Picture& picture, const SampleLayout& lay
         }
     }
     const std::string xmpKeyword = kXmpKeyword;
-    CollectTexts(job, xmpKeyword);
+    const std::string xmp(TextOf(metadata.xmp));
+    CollectTexts(job, xmpKeyword, xmp);
     job.row.resize(job.rows.RowSize());
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &job, Fail,
                                               [](png_structp, png_const_charp) {});
