@@ -73,7 +73,8 @@ TEST(Framework, SaysWhyADialogCannotBeCreatedAndLeavesNothing) {
     line.clear();
     TestDialog dialog;
     EXPECT_FALSE(dialog.Create(nullptr));
-    KVWin32WindowCreateInfo noDialog = Info(205);
+    const KVWin32DialogWindowCreateInfo info = Info(205);
+    KVWin32WindowCreateInfo noDialog = static_cast<const KVWin32WindowCreateInfo&>(info);
     EXPECT_FALSE(dialog.Create(&noDialog));
     EXPECT_FALSE(KVWin32DialogItemCheckBox(1, true).OnInitDialog(nullptr));
     EXPECT_EQ(line,
