@@ -46,7 +46,8 @@ expect() {
         shift
     done
     {
-        env ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD="$programs/libfailing_calls.so" \
+        # A shell without a terminal starts what runs in the background with interrupts ignored.
+        env --default-signal=INT ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD="$programs/libfailing_calls.so" \
             "${faults[@]}" "$programs/imgbasic" "$@" >said 2>&1 || status=$?
     } 2>/dev/null # where the shell tells of signals
     [ "$status" -eq "$wanted" ] || fail "${faults[*]} $*: exit status $status, not $wanted"
