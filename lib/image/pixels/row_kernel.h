@@ -5,20 +5,9 @@
 
 #include "lib/image/pixels/pixel_rect.h"
 #include "lib/image/pixels/rgba16.h"
+#include "lib/image/pixels/store.h"
 
 namespace imgbasic {
-
-/// How a kernel writes its result: through the caches, or past them, which saves reading the
-/// destination first when the result is too large to stay cached anyway.
-enum class Store { Cached, Streaming };
-
-/// Results of this many bytes and more are streamed: about what a core can call its own of the
-/// last-level cache.
-constexpr size_t kStreamingBytes = size_t{4} << 20;
-
-inline Store StoreFor(size_t pixels) {
-    return pixels * sizeof(RGBA16) >= kStreamingBytes ? Store::Streaming : Store::Cached;
-}
 
 /// Calls `row(dst, src, count, store)` for runs of `count` neighbouring pixels that together make
 /// up `rect`, top to bottom. Both buffers are `width` pixels wide and contain `rect`; whole-width

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "lib/image/pixels/rgba16.h"
-#include "lib/image/pixels/row_kernel.h"
+#include "lib/image/pixels/store.h"
 
 // For the files that are compiled for one instruction set. Everything here has internal linkage:
 // a shared inline function could be linked into the baseline code from any of those files.
