@@ -7,7 +7,7 @@ prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 
 cmake --install build/native --prefix "$prefix" >/dev/null
-(cd "$prefix" && ls bin/imgbasic share/doc/imgbasic/{README.md,LICENSE,docs/protocol.md}) >/dev/null
+(cd "$prefix" && ls bin/imgbasic include/imgbasic_host.h share/doc/imgbasic/{README.md,LICENSE,docs/protocol.md}) >/dev/null
 "$prefix/bin/imgbasic" nega samples/landscape.ora --target merged --quiet -o "$prefix/inverted.png"
 "$prefix/bin/imgbasic" info "$prefix/inverted.png" >/dev/null
 
