@@ -21,6 +21,14 @@ const Layer* WholePicture(const Document& document) {
     return isWhole ? layer : nullptr;
 }
 
+bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha) {
+    uint16_t least = kFullScale;
+    for (const RGBA16& pixel : pixels) {
+        least = std::min(least, pixel.a);
+    }
+    return least >= leastAlpha;
+}
+
 PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height) {
     const auto holds = [](const RGBA16& pixel) { return pixel != RGBA16{}; };
     PixelRect bounds{width, height, 0, 0};

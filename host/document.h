@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <variant>
 #include <vector>
@@ -93,6 +94,9 @@ size_t CountLayers(const std::vector<Item>& items);
 
 /// The layer whose pixels are what the document shows; null when they have to be composed.
 const Layer* WholePicture(const Document& document);
+
+/// Whether all pixels are at least that opaque.
+bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha = kFullScale);
 
 /// The smallest rectangle outside which every pixel is (0, 0, 0, 0).
 PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 
+#include "host/document.h"
 #include "host/flatten.h"
 #include "host/sample_depth.h"
 
@@ -83,14 +84,6 @@ class ColorSet {
 };
 
 static_assert(kMostColors + 1 < 1024, "a search in the set always meets an empty slot");
-
-bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha) {
-    uint16_t least = kFullScale;
-    for (const RGBA16& pixel : pixels) {
-        least = std::min(least, pixel.a);
-    }
-    return least >= leastAlpha;
-}
 
 template <typename Sample>
 class TraitsFinder {

@@ -6,6 +6,7 @@
 
 #include "host/cli/filter_command.h"
 #include "host/cli/format_options.h"
+#include "host/cli/opaque_defaults.h"
 #include "host/filter_words.h"
 #include "plugin/imgbasic/filters.h"
 
@@ -21,6 +22,18 @@ constexpr const char* kOtherGroup = "Other";
 
 using CLI::App;
 
+/// Behind the word of a value: for whom it is the default.
+std::string_view DefaultMark(const FilterOption& option, int32_t value) {
+    const std::optional<int32_t> whenOpaque = OpaqueDefault(option.name);
+    if (value == whenOpaque) {
+        return " (the default for a single opaque layer)";
+    }
+    if (value == option.initial) {
+        return whenOpaque ? " (the default for other pictures)" : " (the default)";
+    }
+    return "";
+}
+
 /// The text, then a line for every word.
 std::string Described(const FilterOption& option, const OptionWords& words) {
     size_t longest = 0;
@@ -32,9 +45,7 @@ std::string Described(const FilterOption& option, const OptionWords& words) {
     for (const ChoiceWord& choice : words.choices) {
         text.append("\n  ").append(choice.word).append(longest - choice.word.size() + 2, ' ');
         text.append(choice.meaning);
-        if (&choice - words.choices.data() == option.initial) {
-            text += " (the default)";
-        }
+        text += DefaultMark(option, static_cast<int32_t>(&choice - words.choices.data()));
     }
     return text;
 }
@@ -99,9 +110,17 @@ void AddOptions(App& app, FilterCommand& command) {
             app.get_option_no_throw(FlagOf(option, words)) != nullptr) {
             continue;
         }
-        AddOption(app, option, words, [&command, &option](int32_t value) {
+        const auto take = [&command, &option](int32_t value) {
             command.options.push_back({&option, value});
-        })->group(kFilterGroup);
+        };
+        AddOption(app, option, words, take)->group(kFilterGroup);
+        if (option.kind == OptionKind::Switch && OpaqueDefault(option.name)) {
+            // The default depends on the picture, so that both values need a flag.
+            app.add_flag_callback(
+                   "--" + std::string(words.flag), [take, value = option.initial] { take(value); },
+                   "The contrary, the default but for a single opaque layer")
+                ->group(kFilterGroup);
+        }
     }
 }
 

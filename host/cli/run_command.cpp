@@ -3,6 +3,7 @@
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
+#include "host/cli/opaque_defaults.h"
 #include "host/cli/picture_change.h"
 #include "host/cli/report.h"
 #include "host/cli/settings_command.h"
@@ -63,6 +64,8 @@ RunRequest RequestFor(const FilterCommand& command, const FileJob& job, const Do
     if (reference != nullptr) {
         request.options = ReadOptions(command.filter, *reference);
     }
+    const std::vector<OptionValue> defaults = OpaqueDefaults(command.filter, document);
+    request.options.insert(request.options.end(), defaults.begin(), defaults.end());
     request.options.insert(request.options.end(), command.options.begin(), command.options.end());
     if (!command.size.IsEmpty()) {
         const PixelSize size = ScaledSize(command.size, {document.width, document.height});

@@ -288,6 +288,39 @@ TEST_F(CommandLine, OptionsReachTheFilterInEveryWayOfRunning) {
     EXPECT_NE(Pixels("other.png"), Pixels("flag.png"));
 }
 
+TEST_F(CommandLine, OnlyAnOpaquePictureKeepsItsBorderWhenScaled) {
+    std::vector<RGBA16> pixels(13 * 9, RGBA16{0x8000, 0x4000, 0xFF00, kFullScale});
+    SaveDocument(OneLayer(13, 9, 8, pixels), Path("opaque.ora"), {});
+    SaveDocument(OneLayer(13, 9, 8, pixels), Path("opaque.png"), {});
+    Document two = OneLayer(13, 9, 8, pixels);
+    two.items.push_back(two.items[0]);
+    SaveDocument(two, Path("two.ora"), {});
+    pixels[60].a = 0;
+    SaveDocument(OneLayer(13, 9, 8, pixels), Path("hole.png"), {});
+    const struct {
+        const char* arguments;
+        bool isOpaque;
+    } cases[] = {
+        {"opaque.png", true},
+        {"opaque.ora", true},
+        {"opaque.png opaque.ora", true},
+        {"hole.png", false},
+        {"two.ora", false},
+        {"opaque.png --boundary clip", false},
+        {"opaque.png --bound-alpha", false},
+        {"opaque.png --set BoundAlpha=1", false},
+        {"hole.png --boundary clamp --no-bound-alpha", true},
+    };
+    for (const auto& test : cases) {
+        const Result result =
+            Run("imgbasic scaling --ratio 133 --interp bilinear --force -o out/ " +
+                std::string(test.arguments));
+        EXPECT_EQ(result.status, 0) << result.err;
+        const std::string written = result.out.substr(0, result.out.find('\n'));
+        EXPECT_EQ(Pixels(written).front().a == kFullScale, test.isOpaque) << test.arguments;
+    }
+}
+
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {
     const std::string list = Run("imgbasic list").out;
     EXPECT_THAT(list,
