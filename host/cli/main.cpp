@@ -11,6 +11,7 @@
 #include "host/cli/report.h"
 #include "host/cli/settings_command.h"
 #include "host/cli/show_commands.h"
+#include "host/cli/usage_fault.h"
 
 namespace imgbasic::host {
 namespace {
@@ -96,7 +97,7 @@ int Run(int argc, char** argv) {
     } catch (const CLI::Success& help) {
         return app.exit(help);
     } catch (const CLI::ParseError& fault) {
-        throw UsageError(std::string(fault.what()) + "; --help tells more");
+        throw UsageError(DescribeFault(app, fault));
     }
     if (app.get_subcommands().empty()) {
         throw UsageError("a command is missing; --help lists them");

@@ -3,6 +3,7 @@
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
+#include "host/cli/module_message.h"
 #include "host/cli/opaque_defaults.h"
 #include "host/cli/picture_change.h"
 #include "host/cli/report.h"
@@ -120,7 +121,7 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
     const Document source = compares ? document : Document{};
     const std::string sizeBefore = SizeText(document);
     const Stopwatch stopwatch;
-    RunOutcome outcome = RunFilter(module, std::move(document), request);
+    RunOutcome outcome = RunFilterInUsersLanguage(module, std::move(document), request);
     const double milliseconds = stopwatch.Milliseconds();
     if (outcome.status == RunStatus::Failed || outcome.status == RunStatus::Cancelled) {
         throw JobError((outcome.status == RunStatus::Failed ? outcome.fault : "cancelled") +

@@ -1,0 +1,103 @@
+#include "host/cli/usage_fault.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <numeric>
+
+namespace imgbasic::host {
+namespace {
+
+/// What other programs call what a command does.
+struct Synonym {
+    std::string_view word;
+    const char* command;
+};
+
+constexpr Synonym kSynonyms[] = {
+    {"grayscale", "gray"},       {"greyscale", "gray"},      {"desaturate", "gray"},
+    {"invert", "nega"},          {"negate", "nega"},         {"negative", "nega"},
+    {"threshold", "mono"},       {"bilevel", "mono"},        {"monochrome", "mono"},
+    {"posterize", "col_reduce"}, {"quantize", "col_reduce"}, {"dither", "col_reduce"},
+    {"resize", "scaling"},       {"thumbnail", "scaling"},   {"shrink", "scaling"},
+    {"separate", "chan_decomp"}, {"split", "chan_decomp"},   {"combine", "chan_merge"},
+    {"join", "chan_merge"},      {"identify", "info"},       {"filters", "list"},
+};
+
+/// How many letters have to be added, left out, replaced or swapped with their neighbour to make
+/// one word of the other: the optimal string alignment distance.
+size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<size_t> beforeLast;
+    std::vector<size_t> last(b.size() + 1);
+    std::iota(last.begin(), last.end(), size_t{0});
+    for (size_t i = 1; i <= a.size(); ++i) {
+        std::vector<size_t> row(b.size() + 1, i);
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t replaced = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            row[j] = std::min({last[j] + 1, row[j - 1] + 1, replaced});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            }
+        }
+        beforeLast = std::move(last);
+        last = std::move(row);
+    }
+    return last.back();
+}
+
+std::string Question(const std::string& meant) {
+    return meant.empty() ? "" : "; did you mean " + meant + "?";
+}
+
+std::string DescribeCommand(const CLI::App& app, const std::string& word) {
+    const auto* const synonym = std::ranges::find(kSynonyms, word, &Synonym::word);
+    std::vector<std::string> commands;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        commands.push_back(command->get_name());
+    }
+    const std::string meant =
+        synonym != std::end(kSynonyms) ? synonym->command : NearestWord(word, commands);
+    return "there is no filter '" + word + "'" + Question(meant);
+}
+
+std::string DescribeFlag(const CLI::App& app, const std::string& flag) {
+    const std::vector<CLI::App*> parsed = app.get_subcommands();
+    const CLI::App& command = parsed.empty() ? app : *parsed.front();
+    std::vector<std::string> flags;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            flags.push_back("--" + name);
+        }
+    }
+    const std::string name = flag.substr(0, flag.find('='));
+    return command.get_name() + " has no option " + name + Question(NearestWord(name, flags));
+}
+
+}  // namespace
+
+std::string NearestWord(std::string_view word, const std::vector<std::string>& known) {
+    constexpr size_t kLettersForAFault = 3;
+    size_t least = std::max(word.size() / kLettersForAFault, size_t{1}) + 1;
+    std::string nearest;
+    for (const std::string& candidate : known) {
+        if (const size_t distance = Distance(word, candidate); distance < least) {
+            least = distance;
+            nearest = candidate;
+        }
+    }
+    return nearest;
+}
+
+std::string DescribeFault(const CLI::App& app, const CLI::ParseError& fault) {
+    std::string text = fault.what();
+    const std::vector<std::string> unknown = app.remaining();
+    if (dynamic_cast<const CLI::ExtrasError*>(&fault) != nullptr && !unknown.empty()) {
+        if (unknown.front().starts_with('-')) {
+            text = DescribeFlag(app, unknown.front());
+        } else if (app.get_subcommands().empty()) {
+            text = DescribeCommand(app, unknown.front());
+        }
+    }
+    return text + (text.ends_with('?') ? " " : "; ") + "--help tells more";
+}
+
+}  // namespace imgbasic::host
