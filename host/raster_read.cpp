@@ -19,7 +19,8 @@ using namespace std::string_view_literals;
 
 /// What libvips reads through ImageMagick is told by its content here: some of that library's
 /// formats are programs that open other files.
-constexpr std::string_view kMagickContents[] = {"BM"sv, "8BPS"sv, "\0\0\1\0"sv};
+constexpr std::string_view kPsd = "8BPS"sv;
+constexpr std::string_view kMagickContents[] = {"BM"sv, kPsd, "\0\0\1\0"sv};
 
 /// The beginning of the name of libvips's loader.
 const char* LoaderFor(RasterFormat format) {
@@ -108,8 +109,12 @@ OpenedFile Open(const RasterInput& input, const char* wantedLoader,
     OpenedFile file;
     file.image = *image;
     if (const int pages = vips_image_get_n_pages(file.image.get_image()); pages > 1) {
-        notes.push_back(input.name + ": has " + std::to_string(pages) +
-                        " pages; the first one is used");
+        // Its first page is the picture of the whole, the others are the layers.
+        const bool isPsd = ReadPart(input, 0, kPsd.size()) == kPsd;
+        notes.push_back(input.name +
+                        (isPsd
+                             ? ": its layers are not read, only the picture of the whole"
+                             : ": has " + std::to_string(pages) + " pages; the first one is used"));
     }
     RasterHeader& header = file.header;
     header.width = file.image.width();

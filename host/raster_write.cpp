@@ -215,6 +215,23 @@ void TellLosses(const Picture& picture, bool opaque, const FormatTraits& format,
     }
 }
 
+/// What was asked for and the format has no choice of.
+void TellUnused(RasterFormat format, const EncodeOptions& options, const std::string& name,
+                std::vector<std::string>& notes) {
+    const auto tell = [&](const char* what, const char* whose) {
+        notes.push_back(name + ": " + what + " has no effect on it, being for " + whose);
+    };
+    if (options.quality && format != RasterFormat::Jpeg && format != RasterFormat::WebP) {
+        tell("the quality", "JPEG and WebP");
+    }
+    if (options.zlibLevel && format != RasterFormat::Png) {
+        tell("a compression of 0 to 9", "PNG");
+    }
+    if (options.tiffCompression && format != RasterFormat::Tiff) {
+        tell("a compression given by its name", "TIFF");
+    }
+}
+
 }  // namespace
 
 std::vector<std::byte> EncodeRaster(const Picture& picture, RasterFormat format,
@@ -224,6 +241,7 @@ std::vector<std::byte> EncodeRaster(const Picture& picture, RasterFormat format,
     const int depth = known.deep && !options.indexed ? picture.bitDepth : 8;
     PictureTraits traits = TraitsOf(picture, depth);
     TellLosses(picture, traits.opaque, known, name, notes);
+    TellUnused(format, options, name, notes);
     if (options.indexed && traits.palette.empty()) {
         throw FileError(name + ": the picture has more than 256 colours; leave out --indexed");
     }

@@ -24,10 +24,31 @@ WideSize ForHeight(int64_t height, PixelSize source) {
     return {Proportion(height, source.width, source.height), height};
 }
 
+/// A numerator has at most 9 digits, so that the product fits.
+int64_t Scaled(int32_t side, const Ratio& ratio) {
+    return int64_t{side} * ratio.numerator / ratio.denominator;
+}
+
+/// Takes digits from the front of `text` to the end of `number`; how many, or nothing when they
+/// make it too long.
+std::optional<size_t> TakeDigits(std::string_view& text, int64_t& number) {
+    constexpr int64_t kTooLong = 1'000'000'000;
+    size_t count = 0;
+    while (count < text.size() && text[count] >= '0' && text[count] <= '9') {
+        number = number * 10 + (text[count] - '0');
+        ++count;
+        if (number >= kTooLong || count > 9) {
+            return std::nullopt;
+        }
+    }
+    text.remove_prefix(count);
+    return count;
+}
+
 WideSize Unbounded(const SizeRequest& request, PixelSize source) {
     if (request.ratio) {
-        return {int64_t{source.width} * *request.ratio / 100,
-                int64_t{source.height} * request.ratioHeight.value_or(*request.ratio) / 100};
+        return {Scaled(source.width, *request.ratio),
+                Scaled(source.height, request.ratioHeight.value_or(*request.ratio))};
     }
     if (request.fit) {
         const WideSize wide = ForWidth(request.fit->width, source);
@@ -44,7 +65,44 @@ bool IsPossible(int64_t side) {
     return side >= kSmallestSide && side <= kLargestSide;
 }
 
+bool TakeCharacter(std::string_view& text, char wanted) {
+    const bool found = text.starts_with(wanted);
+    text.remove_prefix(found ? 1 : 0);
+    return found;
+}
+
 }  // namespace
+
+std::optional<int32_t> Ratio::WholePercent() const {
+    const int64_t percent = numerator * 100 / denominator;
+    return percent * denominator == numerator * 100 && percent <= kRatio.most
+               ? std::optional(static_cast<int32_t>(percent))
+               : std::nullopt;
+}
+
+std::optional<Ratio> ParseRatio(std::string_view text) {
+    Ratio ratio{0, 100};
+    if (TakeDigits(text, ratio.numerator).value_or(0) == 0) {
+        return std::nullopt;
+    }
+    if (TakeCharacter(text, '/')) {
+        ratio.denominator = 0;
+        (void)TakeDigits(text, ratio.denominator);
+    } else {
+        if (TakeCharacter(text, '.')) {
+            const std::optional<size_t> decimals = TakeDigits(text, ratio.numerator);
+            if (!decimals) {
+                return std::nullopt;
+            }
+            for (size_t i = 0; i < *decimals; ++i) {
+                ratio.denominator *= 10;
+            }
+        }
+        (void)TakeCharacter(text, '%');
+    }
+    const bool isRatio = text.empty() && ratio.numerator > 0 && ratio.denominator > 0;
+    return isRatio ? std::optional(ratio) : std::nullopt;
+}
 
 PixelSize ScaledSize(const SizeRequest& request, PixelSize source) {
     const WideSize size = Unbounded(request, source);

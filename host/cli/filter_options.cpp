@@ -7,6 +7,7 @@
 #include "host/cli/filter_command.h"
 #include "host/cli/format_options.h"
 #include "host/cli/opaque_defaults.h"
+#include "host/cli/option_effects.h"
 #include "host/filter_words.h"
 #include "plugin/imgbasic/filters.h"
 
@@ -124,15 +125,30 @@ void AddOptions(App& app, FilterCommand& command) {
     }
 }
 
+/// Reads "336699", or "369" for the same, with or without a '#' before it; nothing for anything
+/// else.
+std::optional<uint32_t> ParseColor(std::string_view text) {
+    std::string digits(text.substr(text.starts_with('#') ? 1 : 0));
+    if (digits.size() == 3) {
+        digits = {digits[0], digits[0], digits[1], digits[1], digits[2], digits[2]};
+    }
+    uint32_t color = 0;
+    const char* end = digits.data() + digits.size();
+    const auto [stop, fault] = std::from_chars(digits.data(), end, color, 16);
+    return digits.size() == 6 && fault == std::errc() && stop == end ? std::optional(color)
+                                                                     : std::nullopt;
+}
+
 void AddColor(App& app, const std::string& flag, uint32_t& color, const std::string& text) {
     app.add_option_function<std::string>(
            flag,
-           [flag, &color](const std::string& digits) {
-               const char* end = digits.data() + digits.size();
-               const auto [stop, fault] = std::from_chars(digits.data(), end, color, 16);
-               if (digits.size() != 6 || fault != std::errc() || stop != end) {
-                   throw CLI::ValidationError(flag, "'" + digits + "' is no colour such as 336699");
+           [flag, &color](const std::string& word) {
+               const std::optional<uint32_t> read = ParseColor(word);
+               if (!read) {
+                   throw CLI::ValidationError(flag,
+                                              "'" + word + "' is no colour such as 336699 or #369");
                }
+               color = *read;
            },
            text)
         ->type_name("RRGGBB")
@@ -165,30 +181,53 @@ void ParseBox(const std::string& text, std::optional<PixelSize>& box) {
     box = size;
 }
 
-/// Adds an option of scaling that is part of the size asked for.
-CLI::Option* AddSize(App& app, std::string_view name, std::optional<int32_t>& size,
-                     const char* unit) {
+/// The flag and the words of an option of scaling that is part of the size asked for.
+std::pair<std::string, std::string> SizeWords(std::string_view name) {
     const FilterWords& filter = WordsOf("scaling");
     const OptionWords& words = *std::ranges::find(filter.options, name, &OptionWords::option);
-    const FilterOption& option = *FindOption(filter.filter, name);
-    return app.add_option(FlagOf(option, words), size, std::string(words.text))
-        ->check(InRange(option))
-        ->type_name(unit)
+    return {FlagOf(*FindOption(filter.filter, name), words), std::string(words.text)};
+}
+
+CLI::Option* AddSide(App& app, std::string_view name, std::optional<int32_t>& side) {
+    const auto [flag, text] = SizeWords(name);
+    return app.add_option(flag, side, text)
+        ->check(InRange(*FindOption("scaling", name)))
+        ->type_name("PIXELS")
+        ->group(kFilterGroup);
+}
+
+CLI::Option* AddRatio(App& app, std::string_view name, std::optional<Ratio>& ratio,
+                      const std::string& remark) {
+    const auto [flag, text] = SizeWords(name);
+    return app
+        .add_option_function<std::string>(
+            flag,
+            [flag = flag, &ratio](const std::string& word) {
+                ratio = ParseRatio(word);
+                if (!ratio) {
+                    throw CLI::ValidationError(
+                        flag, "'" + word +
+                                  "' is no percentage such as 50, 33.3 or 150%, and no "
+                                  "fraction such as 1/3");
+                }
+            },
+            text + remark)
+        ->type_name("PERCENT")
         ->group(kFilterGroup);
 }
 
 void AddSizes(App& app, FilterCommand& command) {
     SizeRequest& size = command.size;
-    auto* ratio = AddSize(app, "RatioWidth", size.ratio, "PERCENT");
-    AddSize(app, "RatioHeight", size.ratioHeight, "PERCENT")->needs(ratio);
+    auto* ratio = AddRatio(app, "RatioWidth", size.ratio, ", such as 50, 33.3 or 1/3");
+    AddRatio(app, "RatioHeight", size.ratioHeight, "")->needs(ratio);
     auto* fit = app.add_option_function<std::string>(
                        "--fit", [&size](const std::string& text) { ParseBox(text, size.fit); },
                        "The largest size of the same shape inside a box")
                     ->type_name("WxH")
                     ->group(kFilterGroup)
                     ->excludes(ratio);
-    AddSize(app, "newWidth", size.width, "PIXELS")->excludes(ratio, fit);
-    AddSize(app, "newHeight", size.height, "PIXELS")->excludes(ratio, fit);
+    AddSide(app, "newWidth", size.width)->excludes(ratio, fit);
+    AddSide(app, "newHeight", size.height)->excludes(ratio, fit);
 }
 
 /// What every filter's command has.
@@ -308,6 +347,8 @@ void AddFilterCommands(CLI::App& app, const std::function<void(const FilterComma
         if (!row.changesSize) {
             AddLayers(*subcommand, *command);
         }
+        subcommand->parse_complete_callback(
+            [subcommand, command] { RefuseIneffective(*subcommand, *command); });
         AddFiles(*subcommand, *command);
         subcommand->set_help_flag("-h,--help", "Show this help")->group(kOtherGroup);
         subcommand->footer("\nExample: imgbasic " + std::string(words.example));

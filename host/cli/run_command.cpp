@@ -132,6 +132,10 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
         told = Describe(command, job, sizeBefore, outcome.document, milliseconds);
         told += compares ? ", " + DescribeReduction(source, outcome.document) : "";
     }
+    if (command.filter == "chan_decomp" && !KeepsLayers(job.output)) {
+        report.Note(job.output.string() +
+                    ": keeps no layers, so it shows the channels joined again; name a .ora file");
+    }
     for (const std::string& note :
          SaveDocument(std::move(outcome.document), job.output, command.save)) {
         report.Note(note);
@@ -176,12 +180,16 @@ FilterCommand Completed(FilterCommand command) {
     if (command.target) {
         add("TargetType", *command.target);
     }
-    if (!size.IsEmpty()) {
-        add("RatioSize", size.ratio.has_value());
+    if (size.IsEmpty()) {
+        return command;
     }
-    if (size.ratio) {
-        add("RatioWidth", *size.ratio);
-        add("RatioHeight", size.ratioHeight.value_or(*size.ratio));
+    // The module's percentages are whole numbers; others reach it as the size that they give.
+    const auto width = size.ratio ? size.ratio->WholePercent() : std::nullopt;
+    const auto height = size.ratioHeight ? size.ratioHeight->WholePercent() : width;
+    add("RatioSize", width && height);
+    if (width && height) {
+        add("RatioWidth", *width);
+        add("RatioHeight", *height);
     }
     return command;
 }

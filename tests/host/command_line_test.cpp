@@ -120,6 +120,7 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
     Document layered{5, 5, 8, {}};
     layered.items.emplace_back(folder);
     SaveDocument(layered, Path("layers.ora"), {});
+    setenv("LC_ALL", "C", 1);
     const auto before = std::distance(std::filesystem::recursive_directory_iterator(Path("")), {});
     const struct {
         const char* arguments;
@@ -127,7 +128,11 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         const char* message;
     } cases[] = {
         {"", 2, "a command is missing"},
-        {"sepia in.png -o x.png", 2, "sepia"},
+        {"sepia in.png -o x.png", 2, "there is no filter 'sepia'; --help"},
+        {"grayscale in.png -o x.png", 2, "'grayscale'; did you mean gray?"},
+        {"chandecmop in.png -o x.png", 2, "did you mean chan_decomp?"},
+        {"mono in.png -o x.png --treshold=9", 2,
+         "mono has no option --treshold; did you mean --th"},
         {"nega in.png", 2, "--output is required"},
         {"nega -o x.png", 2, "IN is required"},
         {"nega in.png -o x.png --jobs 0", 2, "--jobs: Value 0"},
@@ -148,6 +153,12 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"nega layers.ora -o x.png --layer 0 --sub-layer 1", 1, "layer 0 has no layer 1 inside"},
         {"nega in.png -o x.png --module in.png", 1, "in.png: the filter module cannot be loaded"},
         {"gray in.png -o x.png --draw-color 33669", 2, "'33669' is no colour"},
+        {"gray in.png -o x.png --draw-color 369", 2, "no effect without --tint draw"},
+        {"gray in.png -o x.png --tint draw --back-color '#369'", 2, "without --tint back"},
+        {"nega in.png -o x.png --target all --layer 0", 2, "with another --target than current"},
+        {"scaling in.png -o x.png --ratio 9 --interp nearest --boundary clip", 2, "--interp bilin"},
+        {"scaling in.png -o x.png --ratio 1/0", 2, "'1/0' is no percentage"},
+        {"chan_merge in.png -o x.png", 1, "none of a picture's channels; name one"},
         {"gray in.png -o x.png --method luma", 2, "'luma' is none of average"},
         {"mono in.png -o x.png --threshold 256", 2, "--threshold: Value 256"},
         {"scaling in.png -o x.png", 2, "scaling needs a size"},
@@ -319,6 +330,21 @@ TEST_F(CommandLine, OnlyAnOpaquePictureKeepsItsBorderWhenScaled) {
         const std::string written = result.out.substr(0, result.out.find('\n'));
         EXPECT_EQ(Pixels(written).front().a == kFullScale, test.isOpaque) << test.arguments;
     }
+}
+
+TEST_F(CommandLine, TakesColorsAndSizesAsPeopleWriteThem) {
+    WriteImage("in.png", 1);
+    const Result result =
+        Run("for c in 336699 '#336699' '#369'; do imgbasic gray in.png -o $c.png --tint draw "
+            "--draw-color $c; done; imgbasic scaling in.png -o a.png --ratio 150% && imgbasic "
+            "scaling in.png -o b.png --width 19 --height 13 && imgbasic scaling in.png -o c.png "
+            "--ratio 2/3 && imgbasic info c.png && imgbasic chan_decomp in.png -o d.png");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(Bytes("#336699.png"), Bytes("336699.png"));
+    EXPECT_EQ(Bytes("#369.png"), Bytes("336699.png"));
+    EXPECT_EQ(Bytes("a.png"), Bytes("b.png"));
+    EXPECT_THAT(result.out, HasSubstr("c.png: 8 x 6 pixels"));
+    EXPECT_THAT(result.err, HasSubstr("d.png: keeps no layers"));
 }
 
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {

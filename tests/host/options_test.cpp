@@ -58,6 +58,29 @@ std::string SizeText(const SizeRequest& request, PixelSize source) {
     }
 }
 
+TEST(ScaledSize, ReadsPercentagesAndFractionsExactly) {
+    const struct {
+        const char* text;
+        std::optional<Ratio> ratio;
+        std::optional<int32_t> percent;
+    } cases[] = {
+        {"50", Ratio{50, 100}, 50},         {"150%", Ratio{150, 100}, 150},
+        {"33.3", Ratio{333, 1000}, {}},     {"33.333333%", Ratio{33333333, 100'000'000}, {}},
+        {"12.50", Ratio{1250, 10'000}, {}}, {"25.0", Ratio{250, 1000}, 25},
+        {"1/3", Ratio{1, 3}, {}},           {"3/2", Ratio{3, 2}, 150},
+        {"819201", Ratio{819201, 100}, {}},
+    };
+    for (const auto& test : cases) {
+        const std::optional<Ratio> ratio = ParseRatio(test.text);
+        ASSERT_EQ(ratio, test.ratio) << test.text;
+        EXPECT_EQ(ratio->WholePercent(), test.percent) << test.text;
+    }
+    for (const char* text : {"", "0", "0.0", "-5", ".5", "5x", "1/0", "1/", "1/2%", "1//2", "%",
+                             "9999999999", "0.0000000001", "1e3"}) {
+        EXPECT_EQ(ParseRatio(text), std::nullopt) << text;
+    }
+}
+
 TEST(ScaledSize, FollowsTheRequest) {
     const PixelSize source{1200, 801};
     const struct {
@@ -70,11 +93,14 @@ TEST(ScaledSize, FollowsTheRequest) {
         {{.height = 400}, source, "599x400"},
         {{.width = 1}, {3, 1}, "1x1"},
         {{.width = 8192}, {1, 2}, "refused"},
-        {{.ratio = 50}, source, "600x400"},
-        {{.ratio = 50, .ratioHeight = 200}, source, "600x1602"},
-        {{.ratio = 10}, {3, 1000}, "refused"},
-        {{.ratio = 200}, {5000, 10}, "refused"},
-        {{.ratio = 819200}, {2147483647, 1}, "refused"},
+        {{.ratio = Ratio{50, 100}}, source, "600x400"},
+        {{.ratio = Ratio{50, 100}, .ratioHeight = Ratio{2, 1}}, source, "600x1602"},
+        {{.ratio = Ratio{10, 100}}, {3, 1000}, "refused"},
+        {{.ratio = Ratio{200, 100}}, {5000, 10}, "refused"},
+        {{.ratio = Ratio{819200, 100}}, {2147483647, 1}, "refused"},
+        {{.ratio = Ratio{999'999'999, 1}}, {2147483647, 1}, "refused"},
+        {{.ratio = Ratio{333, 1000}}, source, "399x266"},
+        {{.ratio = Ratio{1, 3}}, source, "400x267"},
         {{.fit = PixelSize{300, 300}}, source, "300x200"},
         {{.fit = PixelSize{300, 100}}, source, "150x100"},
         {{.fit = PixelSize{8192, 8192}}, {1, 1}, "8192x8192"},

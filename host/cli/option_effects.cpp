@@ -1,0 +1,84 @@
+#include "host/cli/option_effects.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "plugin/imgbasic/filters.h"
+#include "plugin/imgbasic/settings.h"
+
+namespace imgbasic::host {
+namespace {
+
+/// A flag that has an effect only when an option has a certain value.
+struct Need {
+    std::string_view filter;
+    const char* flag;
+    std::string_view option;
+    int32_t value;
+    const char* asked;     ///< how the command line asks for that value
+    bool isStored = true;  ///< --remember keeps what the flag says, for runs where it counts
+};
+
+constexpr int32_t kTintDraw = 7;
+constexpr int32_t kTintBack = 8;
+constexpr int32_t kBilinear = 2;
+
+constexpr Need kNeeds[] = {
+    {"gray", "--draw-color", "ColorMode", kTintDraw, "--tint draw", false},
+    {"gray", "--back-color", "ColorMode", kTintBack, "--tint back", false},
+    {"col_reduce", "--share-palette", "TargetType", AllLayers, "--target all"},
+    {"scaling", "--boundary", "InterType", kBilinear, "--interp bilinear"},
+    {"scaling", "--bound-alpha", "InterType", kBilinear, "--interp bilinear"},
+    {"scaling", "--no-bound-alpha", "InterType", kBilinear, "--interp bilinear"},
+};
+
+/// The value that a run will find, from the command line, the store or the default.
+int32_t EffectiveValue(const FilterCommand& command, std::string_view name) {
+    const FilterOption& option = *FindOption(command.filter, name);
+    int32_t value = option.initial;
+    const auto* const row = std::ranges::find(kFilterRows, command.filter, &FilterRow::name);
+    for (const StoredNumber& stored : ListSettings(*row)) {
+        if (stored.name == name) {
+            value = static_cast<int32_t>(stored.number);
+        }
+    }
+    for (const OptionValue& given : command.options) {
+        value = given.option == &option ? given.value : value;
+    }
+    if (name == "TargetType" && (command.target || command.layer)) {
+        value = command.target.value_or(CurrentLayer);
+    }
+    return value;
+}
+
+bool IsGiven(const CLI::App& app, const char* flag) {
+    const CLI::Option* const option = app.get_option_no_throw(flag);
+    return option != nullptr && option->count() > 0;
+}
+
+[[noreturn]] void Refuse(const char* flag, const std::string& why) {
+    throw CLI::ValidationError(flag, "has no effect " + why);
+}
+
+}  // namespace
+
+void RefuseIneffective(const CLI::App& app, const FilterCommand& command) {
+    for (const Need& need : kNeeds) {
+        if (command.filter == need.filter && IsGiven(app, need.flag) &&
+            !(need.isStored && command.remember) &&
+            EffectiveValue(command, need.option) != need.value) {
+            Refuse(need.flag, std::string("without ") + need.asked);
+        }
+    }
+    if (IsGiven(app, "--no-change-brush") && !command.remember) {
+        Refuse("--no-change-brush",
+               "here, where there are no brushes (--remember keeps it for other hosts)");
+    }
+    if (IsGiven(app, "--layer") && command.target.value_or(CurrentLayer) != CurrentLayer) {
+        Refuse("--layer", "with another --target than current");
+    }
+}
+
+}  // namespace imgbasic::host
