@@ -71,6 +71,12 @@ constexpr Row kRecorded[] = {
     {"chan_decomp, flat", 0x89bae2a97ac48cdc},
     {"chan_merge, in a folder", 0x7dfa68600e5063a1},
     {"chan_decomp, in a folder", 0xa9f35e53b96cad26},
+    {"ResampleNearest", 0xf9b3cef9de935d23},
+    {"ResampleAverage", 0xc3dbeae346f167b8},
+    {"ResampleBilinear, boundary 0", 0x31c635bcf6fd1bc8},
+    {"ResampleBilinear, boundary 1", 0xf0ced990fc42533d},
+    {"ResampleBilinear, boundary 2", 0x5a3bbfc931dee3c0},
+    {"ResampleBilinear, boundary 3", 0x8a83743633fd8f0},
     {"MapToIndexed, any palette", 0x8aa1616f983c6f00},
     {"QuantizePalette, powers of two", 0xe8eea987c604d355},
 };

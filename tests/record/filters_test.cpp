@@ -1,12 +1,9 @@
 #include <climits>
-#include <functional>
 #include <iterator>
 #include <utility>
 
-#include "plugin/imgbasic/col_reduce.h"
 #include "plugin/imgbasic/entry.h"
-#include "plugin/imgbasic/gray.h"
-#include "plugin/imgbasic/mono.h"
+#include "plugin/imgbasic/filter_table.h"
 #include "plugin/imgbasic/scaling.h"
 #include "tests/image/kernel_test.h"
 #include "tests/record/checksum.h"
@@ -56,13 +53,14 @@ const Picture& Neighbor(size_t index, size_t further) {
     return AllPictures()[index / kKinds * kKinds + (index + further) % kKinds];
 }
 
-using SetOptions = std::function<void(ImageProcess&)>;
+/// Names of options and their values.
+using Values = std::vector<std::pair<std::string_view, int32_t>>;
 
 /// The cases of one group.
 struct Walk {
     std::string filter;
     std::string group;
-    SetOptions setOptions = [](ImageProcess&) {};
+    Values values{};
     Checksum sum{filter + ", " + group};
     SplitMix random{1};
     size_t kind = 0;
@@ -73,7 +71,16 @@ struct Walk {
             ImagePluginPrepare2(filter.c_str(), merged.width, merged.height, 0, current.layer,
                                 current.subLayer, 0xAA336699, 0x0180FE, 0, nullptr, 0, reference);
         process->TargetType = target;
-        setOptions(*process);
+        for (const FilterOption& option : FindFilter(filter.c_str())->options) {
+            for (const auto& [name, value] : values) {
+                if (name == option.name) {
+                    option.set(*process, value);
+                }
+            }
+        }
+        if (auto* scaling = dynamic_cast<ScalingImageProcess*>(process)) {
+            scaling->skipDialog = true;
+        }
         return process;
     }
 
@@ -174,40 +181,28 @@ struct Walk {
 
 class FilterRecord : public KernelTest {};
 
-SetOptions Gray(int32_t calcMode, int32_t colorMode) {
-    return [=](ImageProcess& process) {
-        static_cast<GrayScaleImageProcess&>(process).CalcMode = calcMode;
-        static_cast<GrayScaleImageProcess&>(process).ColorMode = colorMode;
-    };
-}
-
 TEST_P(FilterRecord, Gray) {
     for (int32_t calcMode = 0; calcMode <= 10; ++calcMode) {
         Walk walk{"gray", "CalcMode " + std::to_string(calcMode)};
         for (int32_t colorMode = -1; colorMode <= 9; ++colorMode) {
-            walk.setOptions = Gray(calcMode, colorMode);
+            walk.values = {{"CalcMode", calcMode}, {"ColorMode", colorMode}};
             walk.EverySize(colorMode == 7 ? kSizes : kSizes - 1);
         }
     }
-    Walk{"gray", "targets", Gray(2, 7)}.EveryTarget();
-}
-
-SetOptions Mono(int32_t threshold) {
-    return [=](ImageProcess& process) {
-        static_cast<MonoImageProcess&>(process).Threshold = threshold;
-    };
+    Walk{"gray", "targets", {{"CalcMode", 2}, {"ColorMode", 7}}}.EveryTarget();
 }
 
 TEST_P(FilterRecord, Mono) {
     for (const int32_t threshold : {1, 128, 255}) {
-        Walk{"mono", "Threshold " + std::to_string(threshold), Mono(threshold)}.EveryPicture();
+        Walk{"mono", "Threshold " + std::to_string(threshold), {{"Threshold", threshold}}}
+            .EveryPicture();
     }
     Walk others{"mono", "other thresholds"};
     for (const int32_t threshold : {64, 254, INT_MIN, -1, 0, 256, INT_MAX}) {
-        others.setOptions = Mono(threshold);
+        others.values = {{"Threshold", threshold}};
         others.EverySize();
     }
-    Walk{"mono", "targets", Mono(90)}.EveryTarget();
+    Walk{"mono", "targets", {{"Threshold", 90}}}.EveryTarget();
 }
 
 TEST_P(FilterRecord, Nega) {
@@ -215,14 +210,11 @@ TEST_P(FilterRecord, Nega) {
     Walk{"nega", "targets"}.EveryTarget();
 }
 
-SetOptions Reduce(int32_t colors, int32_t dither, bool graduate, bool share) {
-    return [=](ImageProcess& process) {
-        auto& reduce = static_cast<ReduceColorImageProcess&>(process);
-        reduce.ReduceColor = colors;
-        reduce.DitherType = dither;
-        reduce.GraduateReduce = graduate;
-        reduce.SharePalette = share;
-    };
+Values Reduce(int32_t colors, int32_t dither, bool graduate, bool share) {
+    return {{"ReduceColor", colors},
+            {"DitherType", dither},
+            {"GraduateReduce", graduate},
+            {"SharePalette", share}};
 }
 
 TEST_P(FilterRecord, ColReduce) {
@@ -233,26 +225,19 @@ TEST_P(FilterRecord, ColReduce) {
         Walk walk{"col_reduce", "dither " + std::to_string(dither) +
                                     (graduate ? ", graduated" : "") + (share ? ", shared" : "")};
         for (const int32_t colors : {1, 2, 3, 16, 17, 64, 255, 256}) {
-            walk.setOptions = Reduce(colors, dither, graduate, share);
+            walk.values = Reduce(colors, dither, graduate, share);
             walk.EverySize(colors == 17 ? 8 : 5, graduate ? 4 : 3);
         }
     }
     Walk unusual{"col_reduce", "unusual options"};
     for (const auto& [colors, dither] : {std::pair{-5, 2}, {0, 3}, {999, 1}, {16, 4}, {16, -1}}) {
-        unusual.setOptions = Reduce(colors, dither, false, false);
+        unusual.values = Reduce(colors, dither, false, false);
         unusual.EverySize(5);
     }
     Walk{"col_reduce", "targets", Reduce(20, 1, false, true)}.EveryTarget();
 }
 
-template <typename Set>
-SetOptions Scaling(Set set) {
-    return [=](ImageProcess& process) {
-        static_cast<ScalingImageProcess&>(process).skipDialog = true;
-        set(static_cast<ScalingImageProcess&>(process));
-    };
-}
-
+/// To nothing, the same, 1 x 1, whole and broken fractions and multiples.
 void WalkSizes(int32_t inter, int32_t boundary, bool fade) {
     Walk walk{"scaling", "InterType " + std::to_string(inter) +
                              (inter != 2 ? "" : ", boundary " + std::to_string(boundary)) +
@@ -260,25 +245,15 @@ void WalkSizes(int32_t inter, int32_t boundary, bool fade) {
     for (size_t first = 0; first < (kSizes - 1) * kKinds; first += kKinds) {
         const int32_t w = AllPictures()[first].width;
         const int32_t h = AllPictures()[first].height;
-        const int32_t sizes[][2] = {{0, 0},
-                                    {w, h},
-                                    {1, 1},
-                                    {w / 2, h / 2},
-                                    {w / 3, h / 3},
-                                    {2 * w, 2 * h},
-                                    {3 * w, 3 * h},
-                                    {w + 1, h - 1},
-                                    {97, 61},
-                                    {w, 2 * h},
-                                    {w * 5 / 3, h * 2 / 3}};
-        for (const auto& size : sizes) {
-            walk.setOptions = Scaling([&](ScalingImageProcess& scaling) {
-                scaling.newWidth = size[0];
-                scaling.newHeight = size[1];
-                scaling.InterType = inter;
-                scaling.BoundaryType = boundary;
-                scaling.BoundAlpha = fade;
-            });
+        const int32_t widths[] = {0, w, 1, w / 2, w / 3, 2 * w, 3 * w, w + 1, 97, w, w * 5 / 3};
+        const int32_t heights[] = {0,     h,     1,  h / 2, h / 3,    2 * h,
+                                   3 * h, h - 1, 61, 2 * h, h * 2 / 3};
+        for (size_t i = 0; i < std::size(widths); ++i) {
+            walk.values = {{"newWidth", widths[i]},
+                           {"newHeight", heights[i]},
+                           {"InterType", inter},
+                           {"BoundaryType", boundary},
+                           {"BoundAlpha", fade}};
             walk.TwoLayers(first + ++walk.kind % kKinds);
         }
     }
@@ -294,12 +269,10 @@ TEST_P(FilterRecord, Scaling) {
     }
     Walk percentages{"scaling", "percentages"};
     for (const auto& percent : {std::pair{50, 50}, {33, 150}, {1, 1}, {100, 100}, {-7, 99}}) {
-        percentages.setOptions = Scaling([&](ScalingImageProcess& scaling) {
-            scaling.RatioSize = true;
-            scaling.RatioWidth = percent.first;
-            scaling.RatioHeight = percent.second;
-            scaling.ChangeBrush = percent.first != 33;
-        });
+        percentages.values = {{"RatioSize", 1},
+                              {"RatioWidth", percent.first},
+                              {"RatioHeight", percent.second},
+                              {"ChangeBrush", percent.first != 33}};
         percentages.EverySize();
     }
 }

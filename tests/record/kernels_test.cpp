@@ -1,6 +1,9 @@
+#include <cmath>
+
 #include "lib/image/dither/map_to_indexed.h"
 #include "lib/image/palette/quantize_palette.h"
 #include "lib/image/reduce/work_bitmap.h"
+#include "lib/image/resample/resample.h"
 #include "tests/image/kernel_test.h"
 #include "tests/record/checksum.h"
 #include "tests/record/pictures.h"
@@ -11,6 +14,58 @@ namespace imgbasic {
 namespace {
 
 class KernelRecord : public KernelTest {};
+
+/// One direction of a rectangle: the whole image, or a fraction inside, across or beyond it, now
+/// and then between whole pixels.
+void AnySpan(SplitMix& random, double& from, double& length, int32_t size) {
+    const int32_t kind = random.Below(6);
+    from = kind < 2 ? 0 : (random.Fraction() * 1.1 - 0.3) * size;
+    length = kind < 2 ? size : random.Fraction() * (kind == 2 ? 0.1 : 1.5) * size;
+    if (kind == 5) {
+        from = std::round(from);
+        length = std::round(length);
+    }
+}
+
+ResampleRect AnyRect(SplitMix& random, const Picture& picture) {
+    ResampleRect rect{};
+    AnySpan(random, rect.x, rect.width, picture.width);
+    AnySpan(random, rect.y, rect.height, picture.height);
+    return rect;
+}
+
+/// `kernel(target, source, clip)` between fractional rectangles, drawn over a picture.
+template <typename Kernel>
+void WalkRectangles(const std::string& group, Kernel&& kernel) {
+    Checksum sum(group);
+    SplitMix random(4);
+    for (int32_t run = 0; run < 2000; ++run) {
+        const int32_t sizes[] = {random.Below(run % 5 == 0 ? 150 : 20) + 1, random.Below(20) + 1,
+                                 random.Below(run % 7 == 0 ? 150 : 20) + 1, random.Below(20) + 1};
+        const Picture from = MakePicture(sizes[0], sizes[1], static_cast<size_t>(run) % kKinds);
+        Picture to = MakePicture(sizes[2], sizes[3], Kind::Translucent);
+        const int32_t left = random.Below(from.width + 3) - 3;
+        const int32_t top = random.Below(from.height + 3) - 3;
+        const PixelRect clip{left, top, left + random.Below(from.width + 4),
+                             top + random.Below(from.height + 4)};
+        const ResampleTarget target{to.pixels.data(), to.width, to.height, AnyRect(random, to)};
+        const ResampleSource source{from.pixels.data(), from.width, from.height,
+                                    AnyRect(random, from)};
+        kernel(target, source, run % 2 == 0 ? std::nullopt : std::optional(clip));
+        sum.AddEach(to.pixels);
+    }
+}
+
+TEST_P(KernelRecord, Resample) {
+    WalkRectangles("ResampleNearest", ResampleNearest);
+    WalkRectangles("ResampleAverage", ResampleAverage);
+    for (const int32_t boundary : {0, 1, 2, 3}) {
+        WalkRectangles("ResampleBilinear, boundary " + std::to_string(boundary),
+                       [&](const auto& target, const auto& source, const auto& clip) {
+                           ResampleBilinear(boundary, source.width % 2 == 0, target, source, clip);
+                       });
+    }
+}
 
 void AddMapped(Checksum& sum, const ReducePalette& palette, const KVBitmap& bitmap) {
     for (const KVColorPalette& entry : palette.entries) {
