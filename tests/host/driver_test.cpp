@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "host/flatten.h"
-#include "plugin/imgbasic/nega.h"
+#include "plugin/imgbasic/entry.h"
 #include "tests/host/test_files.h"
 
 namespace imgbasic::host {
@@ -17,27 +17,50 @@ constexpr int32_t kHeight = 3;
 constexpr RGBA16 kRed{kFullScale, 0, 0, kFullScale};
 constexpr RGBA16 kGreen{0, kFullScale, 0, kFullScale};
 
+/// What one phase is told, and may change.
+struct PhaseArgs {
+    int phase;
+    uint32_t& width;
+    uint32_t& height;
+    uint32_t& flag;
+};
+
 /// What the module answers, replaced by each test.
 struct Script {
     bool sizeChange = false;
     int phases = 1;
-    std::function<int(bool (*apply)())> dialog = [](bool (*apply)()) { return apply() ? 1 : 0; };
-    std::function<int(int phase, uint32_t& width, uint32_t& height, uint32_t& flag)> phase =
-        [](int, uint32_t&, uint32_t&, uint32_t&) { return 1; };
+    std::function<int(ApplyCallback apply)> dialog = [](ApplyCallback apply) { return apply(); };
+    std::function<int(const PhaseArgs& args)> phase = [](const PhaseArgs&) { return 1; };
     /// `log` has a line for every visit already.
     std::function<bool(const ExecuteArgs& args)> execute = [](const ExecuteArgs&) { return true; };
     std::vector<std::string> log;
     ImageProcess* object = nullptr;
+    int prepared = 0;
     int disposed = 0;
 };
 
 Script* script = nullptr;
 
-bool LogAndExecute(const ExecuteArgs& args) {
-    script->log.push_back(std::string(args.layerName) + " " + std::to_string(args.layer) + "," +
-                          std::to_string(args.subLayer));
-    return script->execute(args);
-}
+struct ScriptedProcess : ImageProcess {
+    int BatchPrepare() override { return 0; }
+    bool BatchDispose() override { return false; }
+    int Dialog(ApplyCallback apply) override { return script->dialog(apply); }
+    int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16*, uint64_t, uint64_t,
+              uint32_t* flag) override {
+        return script->phase({phase, *newWidth, *newHeight, *flag});
+    }
+    bool Execute(const ExecuteArgs& args) override {
+        script->log.push_back(std::string(args.layerName) + " " + std::to_string(args.layer) + "," +
+                              std::to_string(args.subLayer));
+        return script->execute(args);
+    }
+    void AdjustScale(int, int, double* x, double* y) override { *x = 2, *y = 3; }
+    bool AdjustLocate(int index, int, int, double* x, double*) override {
+        *x += 10 * (index + 1);
+        return true;
+    }
+    bool Dispose() override { return ++script->disposed > 0; }
+};
 
 Module ScriptedModule() {
     Module module;
@@ -45,34 +68,15 @@ Module ScriptedModule() {
     module.getPhase = [](const char*) { return script->phases; };
     module.prepare = [](const char*, int, int, int, int, int, uint32_t, uint32_t, uint64_t, HWND,
                         uint64_t, ImageProcess*) -> ImageProcess* {
-        return script->object = new NegaImageProcess;  // for its fields alone
+        ++script->prepared;
+        return script->object = new ScriptedProcess;
     };
-    module.dialog = [](const char*, ImageProcess*, bool (*apply)()) {
-        return script->dialog(apply);
-    };
-    module.phase = [](const char*, ImageProcess*, int phase, uint32_t* width, uint32_t* height,
-                      const uint16_t*, uint64_t, uint64_t,
-                      uint32_t* flag) { return script->phase(phase, *width, *height, *flag); };
-    module.execute = [](const char*, ImageProcess*, int32_t phase, int32_t layer, int32_t subLayer,
-                        int32_t, RGBA16* dst, RECT* outRect, const RGBA16* src, const RECT* inRect,
-                        bool skipPixels, uint32_t* code, uint32_t* kind, uint32_t* mode,
-                        uint32_t* opacity, uint32_t* flag, char* name) {
-        return LogAndExecute({phase, layer, subLayer, 0, dst, outRect, src, inRect, skipPixels,
-                              code, kind, mode, opacity, flag, name});
-    };
-    module.adjustScale = [](const char*, void*, int, int, double* x, double* y) {
-        *x = 2;
-        *y = 3;
-    };
-    module.adjustLocate = [](const char*, ImageProcess*, int index, int, int, double* x, double*) {
-        *x += 10 * (index + 1);
-        return true;
-    };
-    module.dispose = [](const char*, ImageProcess* object) {
-        ++script->disposed;
-        delete object;
-        return true;
-    };
+    module.dialog = ImagePluginDialog;
+    module.phase = ImagePluginPhase2;
+    module.execute = ImagePluginExecute4;
+    module.adjustScale = ImagePluginAdjustScale;
+    module.adjustLocate = ImagePluginAdjustLocate2;
+    module.dispose = ImagePluginDispose;
     return module;
 }
 
@@ -128,7 +132,7 @@ class DriverTest : public testing::Test {
   protected:
     void SetUp() override { script = &script_; }
     void TearDown() override {
-        EXPECT_EQ(script_.disposed, 1) << "every object is disposed of once";
+        EXPECT_EQ(script_.disposed, script_.prepared);
         EXPECT_EQ(Names(document_), Names(SampleDocument())) << "the caller's document stays";
     }
 
@@ -214,37 +218,29 @@ TEST_F(DriverTest, CopiesOnlyTheReportedAreaInsideTheImage) {
     EXPECT_EQ(LayerAt(outcome.document, 3).pixels, LayerAt(document_, 3).pixels);
 }
 
-/// The merged picture's result, announced by resultKind, or known from the target.
 TEST_F(DriverTest, TurnsAFolderWithTheMergedResultIntoAPlainLayer) {
-    document_.items.erase(document_.items.begin());
-    for (const bool announced : {true, false}) {
-        request_.filter = announced ? "chan_decomp" : "nega";
-        script_.disposed = 0;
-        script_.execute = [announced](const ExecuteArgs& args) {
-            if (args.layer > 0 || args.subLayer >= 0) {
-                *args.resultCode = 1;
-                return args.subLayer < 0;
-            }
-            *args.resultKind = announced ? 1 : 0;
-            *args.outRect = {0, 0, kWidth, 1};
-            std::fill_n(args.dst, kWidth, kGreen);
-            EXPECT_EQ(args.src->r, kRed.r) << "a folder is shown with the picture that it makes";
+    script_.execute = [](const ExecuteArgs& args) {
+        if (!IsNamed(args, "folder")) {
+            *args.resultCode = 1;
             return true;
-        };
-        const RunOutcome outcome = Run();
-        ASSERT_EQ(outcome.document.items.size(), 1U);
-        const Layer& merged = LayerAt(outcome.document, 0);
-        EXPECT_EQ(merged.name, "folder");
-        EXPECT_TRUE(merged.visible && !merged.clip && merged.opacity == 100);
-        EXPECT_EQ(merged.bounds, (PixelRect{0, 0, kWidth, 1}));
-    }
-    document_ = SampleDocument();
+        }
+        *args.resultKind = 1;
+        *args.outRect = {0, 0, kWidth, 1};
+        EXPECT_EQ(args.src->r, kRed.r) << "a folder is shown with the picture that it makes";
+        std::fill_n(args.dst, kWidth, kGreen);
+        return true;
+    };
+    const RunOutcome outcome = Run();
+    ASSERT_EQ(Names(outcome.document), "folder ");
+    const Layer& merged = LayerAt(outcome.document, 0);
+    EXPECT_TRUE(merged.visible && !merged.clip && merged.opacity == 100);
+    EXPECT_EQ(merged.bounds, (PixelRect{0, 0, kWidth, 1}));
 }
 
 TEST_F(DriverTest, ChangesNothingInAPhaseThatOnlyShowsTheLayers) {
     script_.phases = 2;
-    script_.phase = [](int phase, uint32_t&, uint32_t&, uint32_t& flag) {
-        flag = phase == 0 ? 1 : 0;
+    script_.phase = [](const PhaseArgs& args) {
+        args.flag = args.phase == 0 ? 1 : 0;
         return 1;
     };
     script_.execute = [](const ExecuteArgs& args) {
@@ -256,29 +252,40 @@ TEST_F(DriverTest, ChangesNothingInAPhaseThatOnlyShowsTheLayers) {
     EXPECT_EQ(script_.log.size(), 12U);
 }
 
-TEST_F(DriverTest, EndsAsThePhaseAnswers) {
+TEST_F(DriverTest, EndsAsTheLastPhaseAnswers) {
     script_.phases = 2;
-    for (const auto& [answer, status] : {std::pair{1, RunStatus::Done},
-                                         {-1, RunStatus::NothingToDo},
-                                         {0, RunStatus::Failed},
-                                         {-2, RunStatus::Failed},
-                                         {-77, RunStatus::Failed}}) {
-        script_.disposed = 0;
-        script_.phase = [last = answer](int phase, uint32_t&, uint32_t&, uint32_t&) {
-            return phase == 0 ? 1 : last;
+    const struct {
+        int answer;
+        uint32_t width;
+        bool sizeChange;
+        RunStatus status;
+    } cases[] = {
+        {1, kWidth, false, RunStatus::Done},     {-1, kWidth, false, RunStatus::NothingToDo},
+        {0, kWidth, false, RunStatus::Failed},   {-2, kWidth, false, RunStatus::Failed},
+        {-77, kWidth, false, RunStatus::Failed}, {1, 0, true, RunStatus::Failed},
+        {1, 65536, true, RunStatus::Failed},     {1, UINT32_MAX, true, RunStatus::Failed},
+        {1, 7777, false, RunStatus::Done},  // ignored of a filter that keeps the size
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.answer << ", " << c.width);
+        script_.sizeChange = c.sizeChange;
+        script_.phase = [&](const PhaseArgs& args) {
+            args.width = args.phase == 0 ? args.width : c.width;
+            return args.phase == 0 ? 1 : c.answer;
         };
         const RunOutcome outcome = Run();
-        EXPECT_EQ(outcome.status, status) << answer;
-        EXPECT_EQ(outcome.fault.empty(), status != RunStatus::Failed);
+        EXPECT_EQ(outcome.status, c.status);
+        EXPECT_EQ(outcome.fault.empty(), c.status != RunStatus::Failed);
+        EXPECT_EQ(outcome.document.width, c.status == RunStatus::Done ? kWidth : 0);
     }
 }
 
 TEST_F(DriverTest, GivesEveryLayerTheNewSize) {
     script_.sizeChange = true;
-    script_.phase = [](int, uint32_t& width, uint32_t& height, uint32_t&) {
-        EXPECT_EQ(width, static_cast<uint32_t>(kWidth));
-        width = 7;
-        height = 5;
+    script_.phase = [](const PhaseArgs& args) {
+        EXPECT_EQ(args.width, static_cast<uint32_t>(kWidth));
+        args.width = 7;
+        args.height = 5;
         return 1;
     };
     script_.execute = [](const ExecuteArgs& args) {
@@ -301,28 +308,12 @@ TEST_F(DriverTest, GivesEveryLayerTheNewSize) {
     EXPECT_EQ(outcome.points[1].x, 22);
 }
 
-TEST_F(DriverTest, RefusesAnImpossibleSizeAndIgnoresOneOfAFilterThatKeepsIt) {
-    uint32_t side = 0;
-    script_.phase = [&](int, uint32_t& width, uint32_t&, uint32_t&) {
-        width = side;
-        return 1;
-    };
-    EXPECT_EQ(Run().document.width, kWidth);
-    script_.sizeChange = true;
-    for (const uint32_t impossible : {0U, 65536U, 0xFFFFFFFFU}) {
-        side = impossible;
-        EXPECT_EQ(Run().status, RunStatus::Failed) << side;
-    }
-    script_.disposed = 1;
-}
-
 TEST_F(DriverTest, SetsTheOptionsForTheRunAndPutsTheLoadedOnesBack) {
     request_.filter = "nega";
     request_.options = {Option("nega", "TargetType", 1), Option("nega", "TargetType", 2)};
     for (const bool remember : {false, true}) {
         request_.rememberOptions = remember;
-        script_.disposed = 0;
-        script_.dialog = [&](bool (*apply)()) {
+        script_.dialog = [&](ApplyCallback apply) {
             script_.object->TargetType = 7;
             apply();
             EXPECT_EQ(script_.object->TargetType, remember ? 2 : 7);
@@ -343,7 +334,7 @@ TEST_F(DriverTest, TakesTheLastRunOfAConfirmedDialog) {
         return true;
     };
     const auto dialog = [&](int answer) {
-        return [&run, answer](bool (*apply)()) {
+        return [&run, answer](ApplyCallback apply) {
             for (run = 1; run <= 2; ++run) {
                 EXPECT_TRUE(apply());
             }
@@ -354,16 +345,15 @@ TEST_F(DriverTest, TakesTheLastRunOfAConfirmedDialog) {
     EXPECT_EQ(LayerAt(Run().document, 0).name, "second");
     script_.dialog = dialog(-1);
     EXPECT_EQ(Run().status, RunStatus::Cancelled);
-    script_.dialog = [](bool (*)()) { return 1; };
+    script_.dialog = [](ApplyCallback) { return 1; };
     EXPECT_EQ(Run().status, RunStatus::NothingToDo) << "confirmed without a run";
-    script_.disposed -= 2;
 }
 
 TEST_F(DriverTest, RefusesRunsInsideARun) {
-    bool (*callback)() = nullptr;
-    script_.dialog = [&](bool (*apply)()) {
+    ApplyCallback callback = nullptr;
+    script_.dialog = [&](ApplyCallback apply) {
         callback = apply;
-        return apply() ? 1 : 0;
+        return apply();
     };
     script_.execute = [&](const ExecuteArgs&) {
         EXPECT_FALSE(callback());
