@@ -164,9 +164,9 @@ struct Walk {
             EverySize(i == 0 ? kSizes : kSizes - 1);
         }
     }
-    /// Layers beside, in and around a folder; every target and current layer that a host may set.
+    /// Layers beside and in two folders; every target and current layer that a host may set.
     void EveryTarget() {
-        constexpr Position kPlaces[] = {{0, -1}, {1, -1}, {1, 0}, {1, 1}, {2, -1}};
+        constexpr Position kPlaces[] = {{0, -1}, {0, 0}, {1, -1}, {1, 0}, {1, 1}, {2, -1}};
         for (int32_t run = 0; run < 75; ++run) {
             const auto index = static_cast<size_t>(random.Below(5 * kKinds));
             std::vector<Item> items;

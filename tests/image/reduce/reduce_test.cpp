@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
@@ -11,7 +10,6 @@
 #include "lib/image/dither/map_to_indexed.h"
 #include "lib/image/palette/quantize_palette.h"
 #include "lib/image/reduce/quantize_graduated.h"
-#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 namespace {
@@ -43,34 +41,6 @@ Indices IndicesOf(const KVBitmap& indexed) {
     return indices;
 }
 
-void ExpectIndices(const ReducePalette& palette, const KVBitmap& bitmap, const Indices& expected) {
-    for (const SimdLevel level : {SimdLevel::Scalar, SupportedSimdLevel()}) {
-        const ScopedSimdLevel forced(level);
-        EXPECT_EQ(IndicesOf(*MapToIndexed(palette, &bitmap, NoDither)), expected);
-    }
-}
-
-// (15, 15, 15), a corner of the first entry's cell, is as far from it as any colour there, and just
-// as near to the other entry, which wins by the sum of the differences: 25 + 5 + 5.
-TEST(Reduce, FindsAnEntryThatTiesAtTheCornerOfACell) {
-    ReducePalette palette;
-    palette.entries.emplace_back(0xFF000000, 1U);
-    palette.entries.emplace_back(0xFF281414, 1U);
-    FinishPalette(palette);
-    ExpectIndices(palette, *Bitmap(3, {0xFF0F0F0F, 0xFF0F0F0E, 0xFF0F0F0F}), {1, 0, 1});
-}
-
-TEST(Reduce, CutsRareColorsOffDownToAThirtySecond) {
-    for (const auto& [rare, colors] : {std::pair{50, 2U}, {20, 1U}}) {
-        Words pixels(1000, 0xFF000010);
-        std::fill_n(pixels.begin(), rare, 0xFF000050);
-        pixels.back() = 0xFF000011;
-        ReducePalette palette;
-        ASSERT_TRUE(QuantizePalette(palette, Bitmap(100, pixels).get(), -2));
-        EXPECT_EQ(palette.entries.size(), colors) << rare;
-    }
-}
-
 TEST(Reduce, KeepsFewColorsInOrderOfFirstAppearance) {
     const auto bitmap =
         Bitmap(3, {0xFF000009, 0x00123456, 0xFF000009, 0x80000001, 0x00654321, 0xFF000009});
@@ -83,16 +53,6 @@ TEST(Reduce, KeepsFewColorsInOrderOfFirstAppearance) {
     const auto indexed = ReduceBitmap(bitmap.get(), -3, LargeDiffusion, false);
     EXPECT_EQ(IndicesOf(*indexed), (Indices{0, 1, 0, 2, 1, 0}));
     EXPECT_EQ(indexed->Palette()[2], 0x80000001);
-}
-
-TEST(Reduce, MayDropBothOfAClosePair) {
-    const auto bitmap = Bitmap(4, {0xFF000000, 0xFF0A0A0A, 0xFF646464, 0xFFC8C8C8,  //
-                                   0xFF000000, 0xFF0A0A0A, 0xFF646464, 0xFFC8C8C8});
-    ReducePalette palette;
-    ASSERT_TRUE(QuantizePalette(palette, bitmap.get(), -2));
-    Words colors = Colors(palette);
-    std::ranges::sort(colors);
-    EXPECT_EQ(colors, (Words{0xFF646464, 0xFFC8C8C8}));
 }
 
 TEST(Reduce, DithersAsWorkedOut) {
