@@ -12,90 +12,79 @@
 namespace imgbasic {
 namespace {
 
-/// The host of one test: what the object held in each run that it was asked for.
-struct Host {
-    static inline MonoImageProcess* object = nullptr;
-    static inline std::vector<int32_t> thresholds;
-    static inline int calls = 0;
+/// The thresholds that the host was asked to run with.
+std::vector<int32_t> runs;
+MonoImageProcess* mono = nullptr;
+bool agrees = true;
 
-    explicit Host(MonoImageProcess* process = nullptr) {
-        object = process;
-        thresholds.clear();
-        calls = 0;
+bool RunHost() {
+    runs.push_back(mono->Threshold);
+    return agrees;
+}
+
+class DialogRules : public testing::Test {
+  protected:
+    DialogRules() {
+        ClearPrivateStore();
+        runs.clear();
+        agrees = true;
+        mono = &mono_;
+        mono_.applyCallback = RunHost;
     }
-    static bool Agree() {
-        ++calls;
-        if (object != nullptr) {
-            thresholds.push_back(object->Threshold);
-        }
-        return true;
-    }
-    static bool Refuse() {
-        Agree();
-        return false;
-    }
+
+    MonoImageProcess mono_;
+    PreviewedOptions options_{mono_, kRow<MonoImageProcess>};
 };
 
-TEST(DialogRules, RunTheHostOnceForEveryChange) {
-    MonoImageProcess mono;
-    const Host host(&mono);
-    mono.applyCallback = Host::Agree;
-    PreviewedOptions options(mono, kRow<MonoImageProcess>);
-    const auto press = [&](Press button, int32_t threshold, int32_t target) {
-        return options.CarryOut(button, std::vector{threshold, target});
+TEST_F(DialogRules, RunTheHostOnceForEveryChange) {
+    const auto preview = [&](int32_t threshold, int32_t target) {
+        return options_.CarryOut(Press::Preview, std::vector{threshold, target});
     };
-    EXPECT_EQ(press(Press::Preview, 128, 0), DialogEnd::StaysOpen);
-    EXPECT_EQ(press(Press::Preview, 128, 0), DialogEnd::StaysOpen);
-    EXPECT_EQ(press(Press::Preview, 200, 0), DialogEnd::StaysOpen);
-    EXPECT_EQ(press(Press::Preview, 200, 2), DialogEnd::StaysOpen);
-    EXPECT_EQ(mono.Threshold, 128) << "a preview leaves the options as they were";
-    EXPECT_EQ(mono.TargetType, 0);
-    EXPECT_EQ(press(Press::Execute, 200, 2), DialogEnd::Confirmed);
-    EXPECT_EQ(Host::thresholds, (std::vector<int32_t>{128, 200, 200}));
-    EXPECT_EQ(mono.Threshold, 200);
-    EXPECT_EQ(mono.TargetType, 2);
+    EXPECT_EQ(preview(128, 0), DialogEnd::StaysOpen);
+    EXPECT_EQ(preview(128, 0), DialogEnd::StaysOpen);
+    EXPECT_EQ(preview(200, 0), DialogEnd::StaysOpen);
+    EXPECT_EQ(preview(200, 2), DialogEnd::StaysOpen);
+    EXPECT_EQ(mono_.Threshold, 128) << "a preview leaves the options as they were";
+    EXPECT_EQ(mono_.TargetType, 0);
+    EXPECT_EQ(options_.CarryOut(Press::Execute, std::vector{200, 2}), DialogEnd::Confirmed);
+    EXPECT_EQ(runs, (std::vector<int32_t>{128, 200, 200}));
+    EXPECT_EQ(mono_.Threshold, 200);
+    EXPECT_EQ(mono_.TargetType, 2);
 }
 
-TEST(DialogRules, EndAsCancelledWhenTheHostRefuses) {
+TEST_F(DialogRules, EndAsCancelledWhenTheHostRefuses) {
+    agrees = false;
     for (const Press button : {Press::Preview, Press::Execute}) {
-        MonoImageProcess mono;
-        const Host host(&mono);
-        mono.applyCallback = Host::Refuse;
-        PreviewedOptions options(mono, kRow<MonoImageProcess>);
-        EXPECT_EQ(options.CarryOut(button, std::vector{9, 1}), DialogEnd::Cancelled);
-        EXPECT_EQ(mono.Threshold, 9) << "the refused options stay";
-        EXPECT_EQ(options.CarryOut(button, std::vector{9, 1}), DialogEnd::Cancelled);
-        EXPECT_EQ(Host::calls, 2) << "a refused run does not count as sent";
+        EXPECT_EQ(options_.CarryOut(button, std::vector{9, 1}), DialogEnd::Cancelled);
+        EXPECT_EQ(mono_.Threshold, 9) << "the refused options stay";
+    }
+    EXPECT_EQ(runs.size(), 2U) << "a refused run does not count as sent";
+}
+
+TEST_F(DialogRules, ValidateTwoColorsAndReductionAlone) {
+    const struct {
+        const char* filter;
+        std::vector<int32_t> shown;
+        bool good;
+    } cases[] = {
+        {"mono", {1, 0}, true},       {"mono", {255, 2}, true},
+        {"mono", {0, 0}, false},      {"mono", {256, 0}, false},
+        {"mono", {128, 3}, false},    {"mono", {128, -1}, false},
+        {"nega", {99}, true},         {"col_reduce", {1, 3, 0, 0, 0}, true},
+        {"gray", {99, -5, 99}, true}, {"col_reduce", {16, 4, 0, 0, 0}, false},
+    };
+    for (const auto& [filter, shown, good] : cases) {
+        const FilterRow& row = *FindFilter(filter);
+        const auto process = CreateFilter(row);
+        runs.clear();
+        process->applyCallback = RunHost;
+        const DialogEnd end = PreviewedOptions(*process, row).CarryOut(Press::Execute, shown);
+        EXPECT_EQ(end, good ? DialogEnd::Confirmed : DialogEnd::StaysOpen) << filter << shown[0];
+        EXPECT_EQ(runs.size(), good ? 1U : 0U);
     }
 }
 
-/// Whether `shown` gets as far as a run of the host.
-bool Accepts(const char* filter, const std::vector<int32_t>& shown) {
-    const FilterRow& row = *FindFilter(filter);
-    const auto process = CreateFilter(row);
-    const Host host;
-    process->applyCallback = Host::Agree;
-    const DialogEnd end = PreviewedOptions(*process, row).CarryOut(Press::Execute, shown);
-    EXPECT_EQ(end == DialogEnd::Confirmed, Host::calls == 1);
-    return Host::calls == 1;
-}
-
-TEST(DialogRules, ValidateTwoColorsAndReductionAlone) {
-    EXPECT_TRUE(Accepts("mono", {1, 0}));
-    EXPECT_TRUE(Accepts("mono", {255, 2}));
-    for (const auto& shown : {std::vector{0, 0}, {256, 0}, {128, 3}, {128, -1}}) {
-        EXPECT_FALSE(Accepts("mono", shown));
-    }
-    EXPECT_TRUE(Accepts("col_reduce", {1, 3, 0, 0, 0}));
-    for (const auto& shown :
-         {std::vector{0, 0, 0, 0, 0}, {257, 0, 0, 0, 0}, {16, 4, 0, 0, 0}, {16, 0, 3, 0, 0}}) {
-        EXPECT_FALSE(Accepts("col_reduce", shown));
-    }
-    EXPECT_TRUE(Accepts("nega", {99}));
-    EXPECT_TRUE(Accepts("gray", {99, -5, 99}));
-}
-
-TEST(DialogRules, MissingControlsCountAsNothingOrTheInitialChoice) {
+TEST_F(DialogRules, MissingControlsCountAsNothingOrTheInitialChoice) {
     std::vector<int32_t> absent;
     for (const FilterOption& option : kReduceColorOptions) {
         absent.push_back(AbsentValue(option));
@@ -103,7 +92,7 @@ TEST(DialogRules, MissingControlsCountAsNothingOrTheInitialChoice) {
     EXPECT_EQ(absent, (std::vector<int32_t>{0, 3, 0, 0, 0}));
 }
 
-TEST(DialogRules, RatioRangeReachesOnePixelAndTheLargestSide) {
+TEST_F(DialogRules, RatioRangeReachesOnePixelAndTheLargestSide) {
     EXPECT_EQ(RatioRange(1).low, 100);
     EXPECT_EQ(RatioRange(1).high, 819200);
     EXPECT_EQ(RatioRange(0).high, 819200) << "no image counts as one pixel";
@@ -117,7 +106,7 @@ TEST(DialogRules, RatioRangeReachesOnePixelAndTheLargestSide) {
     }
 }
 
-TEST(DialogRules, LinkKeepsTheProportion) {
+TEST_F(DialogRules, LinkKeepsTheProportion) {
     EXPECT_EQ(LinkedValue(300, 200, 100), 150);
     EXPECT_EQ(LinkedValue(300, 100, 50), 150);
     EXPECT_EQ(LinkedValue(5, 3, 2), 3) << "toward zero";
@@ -134,7 +123,7 @@ struct SizeCase {
     int32_t storedRatio;
 };
 
-TEST(DialogRules, ScalingSettlesASizeWithinBounds) {
+TEST_F(DialogRules, ScalingSettlesASizeWithinBounds) {
     constexpr SizeCase kCases[] = {
         {200, false, 50, 200, 50},       {9000, false, 50, 8192, 50},  {0, false, 50, 1, 50},
         {200, true, 150, 300, 150},      {3, true, 50, 1, 50},         {3, true, 1, 1, 34},
@@ -157,20 +146,19 @@ TEST(DialogRules, ScalingSettlesASizeWithinBounds) {
     }
 }
 
-TEST(UnseenDialog, AsksTheHostOnceAndStoresWhatItAgreedTo) {
-    ClearPrivateStore();
-    MonoImageProcess mono;
-    mono.Threshold = 77;
+TEST_F(DialogRules, AskTheHostOnceWithoutAWindowAndStoreWhatItAgreedTo) {
     const FilterRow& row = kRow<MonoImageProcess>;
-    const Host host(&mono);
-    EXPECT_EQ(RunOptionsDialog(mono, row), 1);
-    EXPECT_TRUE(ListSettings(row).empty()) << "without a host nothing is written";
-    mono.applyCallback = Host::Refuse;
-    EXPECT_EQ(RunOptionsDialog(mono, row), -1);
-    EXPECT_TRUE(ListSettings(row).empty());
-    mono.applyCallback = Host::Agree;
-    EXPECT_EQ(RunOptionsDialog(mono, row), 1);
-    EXPECT_EQ(Host::thresholds, (std::vector<int32_t>{77, 77}));
+    mono_.Threshold = 77;
+    agrees = false;
+    EXPECT_EQ(RunOptionsDialog(mono_, row), -1);
+    EXPECT_EQ(Stored("mono"), "");
+    agrees = true;
+    mono_.applyCallback = nullptr;
+    EXPECT_EQ(RunOptionsDialog(mono_, row), 1);
+    EXPECT_EQ(Stored("mono"), "") << "without a host nothing is written";
+    mono_.applyCallback = RunHost;
+    EXPECT_EQ(RunOptionsDialog(mono_, row), 1);
+    EXPECT_EQ(runs, (std::vector<int32_t>{77, 77}));
 
     MonoImageProcess next;
     EXPECT_EQ(RunOptionsDialog(next, row), 1);

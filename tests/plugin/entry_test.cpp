@@ -74,92 +74,64 @@ std::vector<int> Answers(const char* name, ImageProcess* object) {
 
 const std::vector<int> kNothing{0, 0, 0, 0, true};
 
-TEST(Entry, LeavesAnObjectAloneUnderAnUnknownName) {
+TEST(Entry, LeavesAnObjectAloneUnderAnUnknownNameAndAnswersForNone) {
     ImageProcess* object = Prepare("scaling");
     EXPECT_EQ(Answers("?", object), kNothing);
     EXPECT_EQ(object->applyCallback, nullptr);
     EXPECT_FALSE(ImagePluginDispose("?", object));
     EXPECT_FALSE(ImagePluginBatchDispose("?", object));
     EXPECT_TRUE(ImagePluginDispose("scaling", object));
+    EXPECT_EQ(Answers("scaling", nullptr), kNothing);
+    EXPECT_FALSE(ImagePluginDispose("scaling", nullptr));
+    EXPECT_TRUE(ImagePluginBatchDispose("scaling", nullptr));
 }
 
-TEST(Entry, AnswersForANullObject) {
-    for (const FilterRow& row : kFilterRows) {
-        EXPECT_EQ(Answers(row.name, nullptr), kNothing);
-        EXPECT_FALSE(ImagePluginDispose(row.name, nullptr));
-        EXPECT_TRUE(ImagePluginBatchDispose(row.name, nullptr));
-    }
-}
-
-void ExpectCreationDefaults(const ImageProcess* object, const FilterRow& row) {
-    EXPECT_EQ(object->applyCallback, nullptr);
-    EXPECT_EQ(object->mergedImage, nullptr);
+/// What the host told an object, and that it is new in all else.
+void ExpectCreated(const ImageProcess& object, const FilterRow& row,
+                   const std::vector<int64_t>& told, const ImageProcess* reference) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ((std::vector<int64_t>{object.width, object.height, object.hostParam, object.curLayer,
+                                    object.curSubLayer, object.drawColor, object.backColor}),
+              told);
+    EXPECT_EQ(object.reference, reference);
+    EXPECT_EQ(object.ownerWindow, nullptr);
+    EXPECT_EQ(object.applyCallback, nullptr);
+    EXPECT_EQ(object.mergedImage, nullptr);
     for (const FilterOption& option : row.options) {
-        if (option.isStored) {
-            EXPECT_EQ(option.get(*object), option.initial) << option.name;
-        }
+        EXPECT_TRUE(option.get(object) == option.initial || !option.isStored) << option.name;
     }
 }
 
-TEST(Entry, CreatesInteractiveObjectsWithWhatTheHostTold) {
+TEST(Entry, CreatesObjectsWithWhatTheHostTold) {
+    ClearPrivateStore();
     ImageProcess* reference = Prepare("nega");
     for (const FilterRow& row : kFilterRows) {
-        SCOPED_TRACE(row.name);
         ImageProcess* object = Prepare(row.name, reference);
-        EXPECT_EQ(object->width, 30);
-        EXPECT_EQ(object->height, 20);
-        EXPECT_EQ(object->hostParam, 7);
-        EXPECT_EQ(object->curLayer, 2);
-        EXPECT_EQ(object->curSubLayer, 1);
-        EXPECT_EQ(object->drawColor, 0x112233U);
-        EXPECT_EQ(object->backColor, 0x445566U);
-        EXPECT_EQ(object->ownerWindow, nullptr);
-        EXPECT_EQ(object->reference, reference);
-        ExpectCreationDefaults(object, row);
+        ExpectCreated(*object, row, {30, 20, 7, 2, 1, 0x112233, 0x445566}, reference);
         EXPECT_TRUE(ImagePluginDispose(row.name, object));
+        int cancelled = 5;
+        object = ImagePluginBatchPrepare(row.name, nullptr, &cancelled);
+        EXPECT_EQ(cancelled, 5) << "refused or done, but not cancelled";
+        ASSERT_EQ(object != nullptr, row.batch != BatchUse::None);
+        if (object != nullptr) {
+            const int64_t side = row.changesSize ? 512 : 0;  // scaling shows percentages of 512
+            ExpectCreated(*object, row, {side, side, 0, 0, -1, 0, 0}, nullptr);
+            EXPECT_TRUE(ImagePluginBatchDispose(row.name, object));
+        }
     }
     EXPECT_TRUE(ImagePluginDispose("nega", reference));
 }
 
-TEST(Entry, CreatesBatchObjectsWithoutAnImage) {
-    ClearPrivateStore();
-    for (const FilterRow& row : kFilterRows) {
-        SCOPED_TRACE(row.name);
-        const bool scaling = row.changesSize;
-        int cancelled = 5;
-        ImageProcess* object = ImagePluginBatchPrepare(row.name, nullptr, &cancelled);
-        EXPECT_EQ(cancelled, 5) << "refused or done, but not cancelled";
-        ASSERT_EQ(object != nullptr, row.batch != BatchUse::None);
-        if (object == nullptr) {
-            continue;
-        }
-        EXPECT_EQ(object->width, scaling ? 512 : 0) << "scaling shows percentages of 512";
-        EXPECT_EQ(object->height, scaling ? 512 : 0);
-        EXPECT_EQ(object->curLayer, 0);
-        EXPECT_EQ(object->curSubLayer, -1);
-        EXPECT_EQ(object->reference, nullptr);
-        ExpectCreationDefaults(object, row);
-        EXPECT_TRUE(ImagePluginBatchDispose(row.name, object));
-    }
-}
-
 TEST(Entry, RepeatsAFilterWithTheOptionsOfItsReference) {
-    const auto values = [](const ImageProcess* object, const FilterRow& row) {
-        std::string text;
-        for (const FilterOption& option : row.options) {
-            text += std::to_string(option.get(*object)) + " ";
-        }
-        return text;
-    };
     const struct {
         const char* filter;
         const char* referenced;
-        const char* repeated;  ///< the target is the object's own
-    } cases[] = {{"gray", "gray", "0 0 0 "},
-                 {"mono", "mono", "255 0 "},
-                 {"mono", "nega", "128 0 "},
-                 {"nega", "nega", "0 "},
-                 {"col_reduce", "col_reduce", "256 0 0 1 1 "}};
+        std::vector<int32_t> repeated;  ///< the target is the object's own
+    } cases[] = {{"gray", "gray", {0, 0, 0}},
+                 {"mono", "mono", {255, 0}},
+                 {"mono", "nega", {128, 0}},
+                 {"nega", "nega", {0}},
+                 {"col_reduce", "col_reduce", {256, 0, 0, 1, 1}}};
     for (const auto& c : cases) {
         ImageProcess* reference = Prepare(c.referenced);
         for (const FilterOption& option : FindFilter(c.referenced)->options) {
@@ -168,7 +140,11 @@ TEST(Entry, RepeatsAFilterWithTheOptionsOfItsReference) {
         ImageProcess* object = Prepare(c.filter, reference);
         EXPECT_EQ(ImagePluginDialog(c.filter, object, Refuse), 0) << "refused, not cancelled";
         EXPECT_EQ(ImagePluginDialog(c.filter, object, Agree), 1);
-        EXPECT_EQ(values(object, *FindFilter(c.filter)), c.repeated) << c.filter;
+        std::vector<int32_t> repeated;
+        for (const FilterOption& option : FindFilter(c.filter)->options) {
+            repeated.push_back(option.get(*object));
+        }
+        EXPECT_EQ(repeated, c.repeated) << c.filter;
         ImagePluginDispose(c.filter, object);
         ImagePluginDispose(c.referenced, reference);
     }
@@ -192,10 +168,11 @@ TEST(Entry, OpensOneDialogAtATime) {
     ImagePluginDispose("gray", outer);
 }
 
-/// Keeps what it is handed, as numbers.
+/// Keeps what it is handed, as numbers, or throws.
 class RecordingProcess final : public ImageProcess {
   public:
     std::vector<uint64_t> heard;
+    bool throws = false;
 
     template <typename Value>
     static uint64_t Number(Value value) {
@@ -206,27 +183,27 @@ class RecordingProcess final : public ImageProcess {
         }
     }
     template <typename... Values>
-    void Hear(Values... values) {
+    bool Hear(Values... values) {
         heard = {Number(values)...};
+        return throws ? throw std::bad_alloc() : true;
     }
-    int BatchPrepare() override { return 0; }
-    bool BatchDispose() override { return false; }
-    int Dialog(ApplyCallback apply) override { return Hear(apply), 1; }
+    int BatchPrepare() override { return Hear(); }
+    bool BatchDispose() override { return Hear(); }
+    int Dialog(ApplyCallback apply) override { return Hear(apply); }
     int Phase(int phase, uint32_t* newWidth, uint32_t* newHeight, const RGBA16* merged, uint64_t u1,
               uint64_t u2, uint32_t* flag) override {
-        return Hear(phase, newWidth, newHeight, merged, u1, u2, flag), -2;
+        return Hear(phase, newWidth, newHeight, merged, u1, u2, flag) ? -2 : 0;
     }
     bool Execute(const ExecuteArgs& a) override {
-        Hear(a.phase, a.layer, a.subLayer, a.unused, a.dst, a.outRect, a.src, a.inRect,
-             a.skipPixels, a.resultCode, a.resultKind, a.layerMode, a.layerOpacity, a.layerFlag,
-             a.layerName);
-        return true;
+        return Hear(a.phase, a.layer, a.subLayer, a.unused, a.dst, a.outRect, a.src, a.inRect,
+                    a.skipPixels, a.resultCode, a.resultKind, a.layerMode, a.layerOpacity,
+                    a.layerFlag, a.layerName);
     }
     void AdjustScale(int u1, int u2, double* x, double* y) override { Hear(u1, u2, x, y); }
     bool AdjustLocate(int index, int layer, int subLayer, double* x, double* y) override {
-        return Hear(index, layer, subLayer, x, y), true;
+        return Hear(index, layer, subLayer, x, y);
     }
-    bool Dispose() override { return true; }
+    bool Dispose() override { return Hear(); }
 };
 
 /// An address that nobody follows.
@@ -261,25 +238,17 @@ TEST(Entry, HandsArgumentsOnInTheirOrder) {
     EXPECT_TRUE(heard(5));
 }
 
-class ThrowingProcess final : public ImageProcess {
-  public:
-    int BatchPrepare() override { throw 1; }
-    bool BatchDispose() override { throw 1; }
-    int Dialog(ApplyCallback) override { throw 1; }
-    int Phase(int, uint32_t*, uint32_t*, const RGBA16*, uint64_t, uint64_t, uint32_t*) override {
-        throw 1;
-    }
-    bool Execute(const ExecuteArgs&) override { throw std::bad_alloc(); }
-    void AdjustScale(int, int, double*, double*) override { throw 1; }
-    bool AdjustLocate(int, int, int, double*, double*) override { throw 1; }
-    bool Dispose() override { throw 1; }
-};
-
 TEST(Entry, LetsNoExceptionReachTheHost) {
-    ThrowingProcess process;
+    RecordingProcess process;
+    process.throws = true;
     EXPECT_EQ(Answers("nega", &process), kNothing);
-    EXPECT_FALSE(ImagePluginDispose("nega", new ThrowingProcess));
-    EXPECT_TRUE(ImagePluginBatchDispose("nega", new ThrowingProcess));
+    const auto thrower = [] {
+        auto* object = new RecordingProcess;
+        object->throws = true;
+        return object;
+    };
+    EXPECT_FALSE(ImagePluginDispose("nega", thrower()));
+    EXPECT_TRUE(ImagePluginBatchDispose("nega", thrower()));
 }
 
 }  // namespace

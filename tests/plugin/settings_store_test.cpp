@@ -53,6 +53,60 @@ class SettingsFile : public testing::Test {
     const fs::path file = PrivateStoreFile();
 };
 
+TEST_F(SettingsFile, IsARegistryExport) {
+    Store("mono", "Threshold=128 TargetType=0");
+    EXPECT_EQ(Text(), "REGEDIT4\n\n" + kMonoHeading +
+                          "\"Threshold\"=dword:00000080\n\"TargetType\"=dword:00000000\n");
+}
+
+TEST_F(SettingsFile, KeepsWhatIsNotOurs) {
+    const std::string before =
+        "; a remark\r\n[HKEY_CURRENT_USER\\Other]\n\"Threshold\"=dword:1\n\n";
+    const std::string mine =
+        "[hkey_current_user\\software\\ORVEX\\brelo2\\plugin\\imgbasic\\mono]\r\n"
+        "\"Later\"=hex:01,\\\n  02\n";
+    const std::string after = "\n[-HKEY_CURRENT_USER\\Gone]\n\"x\"=\"\xFF\"\n";
+    SetText(before + mine + " \"threshold\"=dword:1F\r\n" + after);
+    EXPECT_EQ(Stored("mono"), "Threshold=31");
+    Store("mono", "Threshold=32 TargetType=0");
+    EXPECT_EQ(Text(), before + mine +
+                          "\"Threshold\"=dword:00000020\n\"TargetType\"=dword:00000000\n" + after);
+    EXPECT_TRUE(RemoveFromStore("mono"));
+    EXPECT_EQ(Text(), before + after.substr(1)) << "its own closing blank line goes along";
+}
+
+TEST_F(SettingsFile, MayHoldAnything) {
+    const std::string heading = kMonoHeading;
+    for (const std::string& text : {
+             heading + "\"Threshold\"",
+             heading + "\"Threshold\"=",
+             heading + "\"Threshold\"=dword:",
+             heading + "\"Threshold\"=dword:123456789",
+             heading + "\"Threshold\"=dword:-1",
+             heading + "\"Threshold\"=dword:7 ; seven",
+             heading + "Threshold=dword:00000007",
+             heading + "\"Threshold\"=dword:00000007\n\"Threshold\"=\"text\"",
+             heading.substr(1) + "\"Threshold\"=dword:00000007",
+             "[" + heading + "\"Threshold\"=dword:00000007",
+         }) {
+        SCOPED_TRACE(text);
+        SetText(text);
+        EXPECT_EQ(Stored("mono"), "");
+        Store("mono", "Threshold=9");
+        EXPECT_EQ(Stored("mono"), "Threshold=9");
+    }
+}
+
+TEST_F(SettingsFile, IsNoFolderAndNoLongText) {
+    fs::create_directory(file);
+    EXPECT_EQ(Stored("mono"), "");
+    EXPECT_FALSE(RemoveFromStore("mono"));
+    fs::remove(file);
+    SetText(std::string(2 << 20, 'x'));
+    EXPECT_FALSE(RemoveFromStore("mono"));
+    ExpectRefused(Text());
+}
+
 TEST_F(SettingsFile, ProcessesThatStoreAtOnceLoseNothing) {
     constexpr int kProcesses = 4;
     constexpr int kValues = 40;

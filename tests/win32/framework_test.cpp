@@ -31,14 +31,12 @@ KVWin32DialogWindowCreateInfo Info(int templateId) {
     return info;
 }
 
-struct FailureCase {
-    int templateId;
-    KVWin32DialogItem* item;
-    const char* line;
-};
-
 TEST(Framework, SaysWhyADialogCannotBeCreatedAndLeavesNothing) {
-    const FailureCase cases[] = {
+    const struct {
+        int templateId;
+        KVWin32DialogItem* item;
+        const char* line;
+    } cases[] = {
         {999, nullptr,
          "[KVWin32DialogWindow::PostCreate]ダイアログの作成に失敗した。リソースID=999\n"},
         {205, new KVWin32DialogItemCheckBox(77, true),
@@ -56,7 +54,7 @@ TEST(Framework, SaysWhyADialogCannotBeCreatedAndLeavesNothing) {
     };
     std::string line;
     const LogCapture capture([&](std::string_view text) { line += text.substr(22); });
-    for (const FailureCase& c : cases) {
+    for (const auto& c : cases) {
         line.clear();
         TestDialog dialog;
         auto info = Info(c.templateId);

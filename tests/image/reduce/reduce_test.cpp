@@ -10,6 +10,7 @@
 #include "lib/image/dither/map_to_indexed.h"
 #include "lib/image/palette/quantize_palette.h"
 #include "lib/image/reduce/quantize_graduated.h"
+#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 namespace {
@@ -39,6 +40,21 @@ Indices IndicesOf(const KVBitmap& indexed) {
         indices.insert(indices.end(), row.begin(), row.end());
     }
     return indices;
+}
+
+// (15, 15, 15), a corner of the first entry's cell, is as far from it as any colour there, and just
+// as near to the other entry, which wins by the sum of the differences: 25 + 5 + 5.
+TEST(Reduce, FindsAnEntryThatTiesAtTheCornerOfACell) {
+    ReducePalette palette;
+    palette.entries.emplace_back(0xFF000000, 1U);
+    palette.entries.emplace_back(0xFF281414, 1U);
+    FinishPalette(palette);
+    const auto bitmap = Bitmap(3, {0xFF0F0F0F, 0xFF0F0F0E, 0xFF0F0F0F});
+    for (const SimdLevel level : {SimdLevel::Scalar, SupportedSimdLevel()}) {
+        const ScopedSimdLevel forced(level);
+        const auto indexed = MapToIndexed(palette, bitmap.get(), NoDither);
+        EXPECT_EQ(IndicesOf(*indexed), (Indices{1, 0, 1}));
+    }
 }
 
 TEST(Reduce, KeepsFewColorsInOrderOfFirstAppearance) {
