@@ -10,18 +10,14 @@
 #include <vector>
 
 #include "fuzz/host_buffer.h"
-#include "plugin/imgbasic/col_reduce.h"
 #include "plugin/imgbasic/entry.h"
-#include "plugin/imgbasic/gray.h"
+#include "plugin/imgbasic/filter_table.h"
+#include "plugin/imgbasic/filters.h"
 #include "plugin/imgbasic/message_box.h"
-#include "plugin/imgbasic/mono.h"
-#include "plugin/imgbasic/scaling.h"
 
 namespace imgbasic {
 namespace {
 
-constexpr const char* kFilters[] = {"gray",       "mono",       "nega",   "chan_decomp",
-                                    "chan_merge", "col_reduce", "scaling"};
 constexpr int32_t kLargestSide = 64;
 
 /// Images of which only a rectangle exists.
@@ -96,33 +92,17 @@ class HostileHost {
     void Step() {
         Slot& slot = slots_[static_cast<size_t>(bytes_.Below(2))];
         try {
-            switch (bytes_.Below(9)) {
-                case 0:
-                    Create(slot);
-                    break;
-                case 1:
-                    Dialog(slot);
-                    break;
-                case 2:
-                    Phase(slot);
-                    break;
-                case 3:
-                    SetOptions(slot);
-                    break;
-                case 4:
-                    Adjust(slot);
-                    break;
-                case 5:
-                    Dispose(slot);
-                    break;
-                default:
-                    Execute(slot);
-                    break;
-            }
+            static constexpr void (HostileHost::*kSteps[])(Slot & slot) = {
+                &HostileHost::Create,     &HostileHost::Dialog,  &HostileHost::Phase,
+                &HostileHost::SetOptions, &HostileHost::Adjust,  &HostileHost::Dispose,
+                &HostileHost::Execute,    &HostileHost::Execute, &HostileHost::Execute};
+            (this->*kSteps[static_cast<size_t>(bytes_.Below(9))])(slot);
         } catch (...) {
             Expect(false, "an exception left an export");
         }
     }
+
+    const char* AnyFilter() { return kFilterRows[static_cast<size_t>(bytes_.Below(7))].name; }
 
     void Create(Slot& slot);
     void Dispose(Slot& slot);
@@ -160,7 +140,7 @@ void HostileHost::Create(Slot& slot) {
     if (slot.object != nullptr) {
         return;
     }
-    slot.filter = kFilters[bytes_.Below(7)];
+    slot.filter = AnyFilter();
     slot.batch = bytes_.Below(8) == 0;
     if (slot.batch) {
         int cancelled = 5;
@@ -254,26 +234,12 @@ void HostileHost::SetOptions(Slot& slot) {
     if (slot.object == nullptr) {
         return;
     }
-    slot.object->TargetType = bytes_.Below(4);
-    if (auto* gray = dynamic_cast<GrayScaleImageProcess*>(slot.object)) {
-        gray->CalcMode = bytes_.Number();
-        gray->ColorMode = bytes_.Number();
-    } else if (auto* mono = dynamic_cast<MonoImageProcess*>(slot.object)) {
-        mono->Threshold = bytes_.Flag() ? bytes_.Number() : bytes_.Below(256);
-    } else if (auto* reduce = dynamic_cast<ReduceColorImageProcess*>(slot.object)) {
-        reduce->ReduceColor = bytes_.Flag() ? bytes_.Number() : bytes_.Below(256);
-        reduce->DitherType = bytes_.Below(6) - 1;
-        reduce->SharePalette = bytes_.Flag();
-        reduce->GraduateReduce = bytes_.Flag();
-    } else if (auto* scaling = dynamic_cast<ScalingImageProcess*>(slot.object)) {
-        scaling->newWidth = bytes_.Number();
-        scaling->newHeight = bytes_.Number();
-        scaling->RatioSize = bytes_.Flag();
-        scaling->RatioWidth = bytes_.Number();
-        scaling->RatioHeight = bytes_.Number();
-        scaling->InterType = bytes_.Below(5) - 1;
-        scaling->BoundaryType = bytes_.Below(5) - 1;
-        scaling->BoundAlpha = bytes_.Flag();
+    for (const FilterOption& option : FindFilter(slot.filter)->options) {
+        const int32_t nearby = std::min(option.most - option.least + 3, 256);
+        option.set(*slot.object,
+                   bytes_.Flag() ? bytes_.Number() : option.least - 1 + bytes_.Below(nearby));
+    }
+    if (auto* scaling = dynamic_cast<ScalingImageProcess*>(slot.object)) {
         scaling->skipDialog = bytes_.Flag();
     }
 }
@@ -281,7 +247,7 @@ void HostileHost::SetOptions(Slot& slot) {
 void HostileHost::Adjust(Slot& slot) {
     double x = bytes_.Number();
     double y = bytes_.Number();
-    const char* name = slot.object != nullptr ? slot.filter : kFilters[bytes_.Below(7)];
+    const char* name = slot.object != nullptr ? slot.filter : AnyFilter();
     double* const out = bytes_.Flag() ? &y : nullptr;
     ImagePluginAdjustScale(name, slot.object, 0, 0, &x, out);
     const int32_t index = bytes_.Number();

@@ -31,7 +31,8 @@ def phase(index, tell=1, slot=0, whole=True):
 
 
 def options(*values, slot=0):
-    return [slot, 3, *values]
+    """Values in the order of the filter's options, and of scaling whether to skip the dialog."""
+    return [slot, 3, *sum(([1, *number(value)] for value in values), [])]
 
 
 def visit(position=None, index=0, tag=0, area=(1, 1, 6, 5), kind="whole", slot=0):
@@ -58,22 +59,21 @@ def merge():
 
 
 def reduce(target, dither, share, graduate):
-    chosen = options(target, 0, 5, dither + 1, share, graduate)
+    chosen = options(5, dither, target, share, graduate)
     visits = visit((0, -1)) + visit((1, -1)) + visit((0, 0))
     return create("col_reduce") + dialog() + chosen + phase(0) + visits + end()
 
 
 def scale(kernel, boundary):
-    chosen = options(0, *number(13), *number(5), 0, *number(40), *number(40), kernel + 1,
-                     boundary + 1, 1, 1)
+    chosen = options(0, 13, 5, 40, 40, 1, kernel, boundary, 1, 1) + [1]
     body = phase(0) + visit(kind="scaled") + adjust()
     return create("scaling") + chosen + dialog() + body + end()
 
 
 SEEDS = {
-    "gray": create("gray") + dialog() + options(1, *number(3), *number(7)) + phase(0) + visit()
+    "gray": create("gray") + dialog() + options(3, 7, 1) + phase(0) + visit()
     + adjust() + end(),
-    "mono": create("mono") + dialog() + options(2, 0, 99) + phase(0) + visit() + visit((1, -1)),
+    "mono": create("mono") + dialog() + options(50, 2) + phase(0) + visit() + visit((1, -1)),
     "nega": create("nega") + dialog([phase(0), visit((0, -1)), visit((1, -1))]) + end(),
     "nega-in-folder": create("nega", sub=1) + options(2) + phase(0) + visit() + visit((0, -1)),
     "decompose": create("chan_decomp") + dialog() + phase(0) + 5 * visit() + end(),
@@ -84,7 +84,7 @@ SEEDS = {
     "nearest": scale(0, 0),
     "average": scale(1, 0),
     "bilinear": scale(2, 2),
-    "huge": create("gray", huge=1) + options(1, *number(0), *number(0))
+    "huge": create("gray", huge=1) + options(0, 0, 1)
     + phase(0, whole=False) + visit(kind="part", area=(60, 2, 66, 5)),
     "repeat": create("mono") + create("mono", slot=1, reference=1) + dialog([dialog()], slot=1)
     + end() + end(1),

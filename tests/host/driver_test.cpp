@@ -81,13 +81,11 @@ Module ScriptedModule() {
 }
 
 Layer FilledLayer(const std::string& name, RGBA16 pixel) {
-    Layer layer;
+    Layer layer = LayerOf(std::vector<RGBA16>(kWidth * kHeight, pixel), kWidth, kHeight);
     layer.name = name;
     layer.opacity = 50;
     layer.clip = true;
     layer.visible = false;
-    layer.pixels.assign(kWidth * kHeight, pixel);
-    layer.bounds = BoundsOf(layer.pixels, kWidth, kHeight);
     return layer;
 }
 

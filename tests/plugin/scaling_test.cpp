@@ -33,44 +33,27 @@ TEST(Scaling, ComputesTheSizeFromThePercentagesWithoutADialog) {
     }
 }
 
-/// An opaque and a clear pixel, 2 x 1, to 4 x 1.
-struct ScalingRun : FilterRun<ScalingImageProcess> {
-    RECT area{0, 0, 2, 1};
-    ExecuteArgs args = Args(0, -1, &area);
-
-    ScalingRun() : FilterRun(2, 1, {{100, 200, 300, 0xFF00}, {}}, {}) {
-        process.newWidth = 4;
-        dst.resize(4);
-        args.dst = dst.data();
-    }
-};
-
-TEST(Scaling, ShowsPercentagesOf512InABatch) {
-    ScalingImageProcess batch;
-    EXPECT_EQ(batch.BatchPrepare(), 1);
-    EXPECT_EQ(batch.ResultWidth(), 512);
-    EXPECT_EQ(batch.Phase(0, nullptr, nullptr, nullptr, 0, 0, nullptr), -1) << "the same size";
-}
-
 TEST(Scaling, ReportsOrSkipsAsAsked) {
-    ScalingRun run;
-    run.args.inRect = nullptr;
-    EXPECT_TRUE(run.process.Execute(run.args));
-    EXPECT_TRUE(Equal(run.outRect, kUntouched)) << "no area, no answer";
-    run.args.inRect = &run.area;
-    run.args.skipPixels = true;
-    EXPECT_TRUE(run.process.Execute(run.args));
-    EXPECT_EQ(run.outRect.right, 4);
-    run.args.skipPixels = false;
-    run.args.outRect = nullptr;
-    run.process.newWidth = INT_MIN;
-    EXPECT_TRUE(run.process.Execute(run.args));
-    run.args.src = nullptr;
+    FilterRun<ScalingImageProcess> run(2, 1, {{100, 200, 300, 0xFF00}, {}, {}, {}}, {});
     run.process.newWidth = 4;
-    EXPECT_TRUE(run.process.Execute(run.args));
+    constexpr RECT kArea{0, 0, 2, 1};
+    ExecuteArgs args = run.Args(0, -1, nullptr);
+    EXPECT_TRUE(run.process.Execute(args));
+    EXPECT_TRUE(Equal(run.outRect, kUntouched)) << "no area, no answer";
+    args.inRect = &kArea;
+    args.skipPixels = true;
+    EXPECT_TRUE(run.process.Execute(args));
+    EXPECT_EQ(run.outRect.right, 4);
+    args.skipPixels = false;
+    args.outRect = nullptr;
+    run.process.newWidth = INT_MIN;
+    EXPECT_TRUE(run.process.Execute(args));
+    args.src = nullptr;
+    run.process.newWidth = 4;
+    EXPECT_TRUE(run.process.Execute(args));
     EXPECT_EQ(run.dst, std::vector<RGBA16>(4));
-    run.args.src = run.src.data();
-    EXPECT_TRUE(run.process.Execute(run.args));
+    args.src = run.src.data();
+    EXPECT_TRUE(run.process.Execute(args));
     EXPECT_NE(run.dst, std::vector<RGBA16>(4));
 }
 

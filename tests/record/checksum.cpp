@@ -78,6 +78,7 @@ constexpr Row kRecorded[] = {
     {"ResampleBilinear, boundary 2", 0x5a3bbfc931dee3c0},
     {"ResampleBilinear, boundary 3", 0x8a83743633fd8f0},
     {"Composite, every kind", 0x94bac96977a0dc58},
+    {"Flatten, random documents", 0x4232f6fb99960a40},
     {"MapToIndexed, any palette", 0x8aa1616f983c6f00},
     {"QuantizePalette, powers of two", 0xe8eea987c604d355},
 };

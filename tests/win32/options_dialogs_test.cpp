@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
-#include <algorithm>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -149,14 +148,9 @@ struct Counts {
             GetCurrentThreadId(),
             [](HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count), TRUE; },
             reinterpret_cast<LPARAM>(&windows));
-        HANDLE heaps[64];
-        const DWORD heapCount = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
-        for (const HANDLE heap : std::span(heaps, heapCount)) {
-            PROCESS_HEAP_ENTRY entry{};
-            for (HeapLock(heap); HeapWalk(heap, &entry);) {
-                heapBlocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
-            }
-            HeapUnlock(heap);
+        _HEAPINFO block{};
+        while (_heapwalk(&block) == _HEAPOK) {
+            heapBlocks += block._useflag == _USEDENTRY ? 1 : 0;
         }
     }
 };
