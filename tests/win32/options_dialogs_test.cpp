@@ -24,8 +24,12 @@ int Open(const char* filter, ApplyCallback apply, HWND owner = nullptr) {
 /// True when the dialog is confirmed.
 bool IsConfirmed(const char* filter, ApplyCallback apply, const wchar_t* caption,
                  const Script& script, HWND owner = nullptr) {
-    return WithHand(
-        caption, [&] { return Open(filter, apply, owner) == 1; }, script);
+    const auto open = [&] {
+        const int result = Open(filter, apply, owner);
+        EXPECT_TRUE(result == 1 || result == -1);
+        return result == 1;
+    };
+    return WithHand(caption, open, script);
 }
 
 /// One dialog with what it shows and stores.
