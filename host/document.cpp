@@ -22,11 +22,11 @@ const Layer* WholePicture(const Document& document) {
 }
 
 bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha) {
-    uint16_t least = kFullScale;
+    bool isOpaque = true;
     for (const RGBA16& pixel : pixels) {
-        least = std::min(least, pixel.a);
+        isOpaque &= pixel.a >= leastAlpha;
     }
-    return least >= leastAlpha;
+    return isOpaque;
 }
 
 PixelRect BoundsOf(const std::vector<RGBA16>& pixels, int32_t width, int32_t height) {

@@ -202,23 +202,23 @@ void ConvertSamples(const Sample* samples, int bands, std::span<RGBA16> pixels) 
     }
 }
 
-/// Decodes in strips of a few rows, which stay in the processor's cache.
 std::vector<RGBA16> PixelsOf(const VImage& image) {
+    // Few enough rows to stay in the processor's cache.
     constexpr int kStrip = 16;
     const int width = image.width();
     const int bands = image.bands();
     UprightPixels upright(width, image.height(), vips_image_get_orientation(image.get_image()));
     const std::unique_ptr<VipsRegion, decltype(&g_object_unref)> region(
         vips_region_new(image.get_image()), g_object_unref);
-    std::vector<RGBA16> strip(static_cast<size_t>(width) * kStrip);
     for (int top = 0; top < image.height(); top += kStrip) {
         const VipsRect area{0, top, width, std::min(kStrip, image.height() - top)};
         if (vips_region_prepare(region.get(), &area) != 0) {
             throw vips::VError();
         }
+        const std::span<RGBA16> rows = upright.NextRows(static_cast<size_t>(area.height));
         for (int y = 0; y < area.height; ++y) {
-            const auto row = std::span(strip).subspan(
-                static_cast<size_t>(y) * static_cast<size_t>(width), static_cast<size_t>(width));
+            const auto row = rows.subspan(static_cast<size_t>(y) * static_cast<size_t>(width),
+                                          static_cast<size_t>(width));
             const VipsPel* const samples = VIPS_REGION_ADDR(region.get(), 0, top + y);
             if (image.format() == VIPS_FORMAT_UCHAR) {
                 ConvertSamples(samples, bands, row);
@@ -226,8 +226,7 @@ std::vector<RGBA16> PixelsOf(const VImage& image) {
                 ConvertSamples(reinterpret_cast<const uint16_t*>(samples), bands, row);
             }
         }
-        upright.Append(
-            std::span(strip).first(static_cast<size_t>(width) * static_cast<size_t>(area.height)));
+        upright.Place();
     }
     return upright.Take();
 }

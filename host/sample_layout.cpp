@@ -29,9 +29,11 @@ Sample Rounded(uint16_t channel) {
 
 template <typename Sample>
 void RoundRow(std::span<const RGBA16> row, std::span<Channels<Sample>> out) {
-    for (size_t x = 0; x < row.size(); ++x) {
-        out[x] = {Rounded<Sample>(row[x].r), Rounded<Sample>(row[x].g), Rounded<Sample>(row[x].b),
-                  Rounded<Sample>(row[x].a)};
+    // All channels as one run of numbers, which compilers turn into vector code.
+    const auto* const from = reinterpret_cast<const uint16_t*>(row.data());
+    auto* const to = reinterpret_cast<Sample*>(out.data());
+    for (size_t i = 0; i < 4 * row.size(); ++i) {
+        to[i] = Rounded<Sample>(from[i]);
     }
 }
 
@@ -86,33 +88,56 @@ class ColorSet {
 static_assert(kMostColors + 1 < 1024, "a search in the set always meets an empty slot");
 
 template <typename Sample>
+bool IsGray(std::span<const Channels<Sample>> row) {
+    // Without a way out in the middle, for vector code.
+    Sample difference = 0;
+    for (const auto& [r, g, b, a] : row) {
+        difference |= static_cast<Sample>((r ^ g) | (g ^ b));
+    }
+    return difference == 0;
+}
+
+/// Whether a gray row holds nothing but the least and the largest value.
+template <typename Sample>
+bool IsBlackAndWhite(std::span<const Channels<Sample>> row) {
+    Sample others = 0;
+    for (const auto& pixel : row) {
+        // 0 and 1 alone for the two.
+        others |= static_cast<Sample>(static_cast<Sample>(pixel[0] + 1) & ~Sample{1});
+    }
+    return others == 0;
+}
+
+template <typename Sample>
 class TraitsFinder {
   public:
-    explicit TraitsFinder(bool opaque) {
-        traits_.opaque = opaque;
-        traits_.blackAndWhite = opaque;
+    void Look(std::span<const Channels<Sample>> row, bool isOpaque) {
+        const bool isGray = IsGray(row);
+        traits_.opaque = traits_.opaque && isOpaque;
+        traits_.gray = traits_.gray && isGray;
+        traits_.blackAndWhite = traits_.blackAndWhite && isOpaque && isGray && IsBlackAndWhite(row);
+        if constexpr (sizeof(Sample) == 1) {
+            if (fits_ && isGray && isOpaque) {
+                for (const auto& pixel : row) {
+                    grays_[pixel[0]] = true;
+                }
+            } else {
+                fits_ = fits_ && std::ranges::all_of(row, [this](const auto& pixel) {
+                            return colors_.Insert(pixel);
+                        });
+            }
+        }
     }
 
-    /// False when nothing more can be found out.
-    bool Look(std::span<const Channels<Sample>> row) {
-        constexpr auto kFull = static_cast<Sample>(~Sample{0});
-        if (traits_.gray) {
-            traits_.gray = std::ranges::all_of(row, [](const auto& pixel) {
-                return pixel[0] == pixel[1] && pixel[1] == pixel[2];
-            });
-        }
-        traits_.blackAndWhite = traits_.blackAndWhite && traits_.gray &&
-                                std::ranges::all_of(row, [](const auto& pixel) {
-                                    return pixel[0] == 0 || pixel[0] == kFull;
-                                });
-        if constexpr (sizeof(Sample) == 1) {
-            fits_ = fits_ && std::ranges::all_of(
-                                 row, [this](const auto& pixel) { return colors_.Insert(pixel); });
-        }
-        return traits_.gray || fits_;
-    }
+    /// Looks only whether the pixels are opaque, when nothing else can be found out.
+    bool IsSettled() const { return !traits_.gray && !fits_; }
+    void LookAtAlpha(bool isOpaque) { traits_.opaque = traits_.opaque && isOpaque; }
 
     PictureTraits Take() {
+        for (size_t gray = 0; gray < grays_.size(); ++gray) {
+            const auto value = static_cast<uint8_t>(gray);
+            fits_ = fits_ && (!grays_[gray] || colors_.Insert({value, value, value, 255}));
+        }
         if (fits_) {
             traits_.palette = colors_.Sorted();
         }
@@ -122,23 +147,23 @@ class TraitsFinder {
   private:
     PictureTraits traits_;
     ColorSet colors_;
+    std::array<bool, 256> grays_{};  ///< opaque ones, which are most frequent
     bool fits_ = sizeof(Sample) == 1;
 };
 
 template <typename Sample>
-PictureTraits FindTraits(const Picture& picture, bool opaque) {
-    TraitsFinder<Sample> finder(opaque);
+PictureTraits FindTraits(const Picture& picture, uint16_t leastAlpha) {
+    TraitsFinder<Sample> finder;
     const auto width = static_cast<size_t>(picture.width);
     std::vector<Channels<Sample>> rounded(width);
     for (size_t first = 0; first < picture.pixels.size(); first += width) {
-        RoundRow<Sample>(std::span(picture.pixels).subspan(first, width), rounded);
-        if (opaque) {
-            for (auto& pixel : rounded) {
-                pixel[3] = static_cast<Sample>(~Sample{0});
-            }
-        }
-        if (!finder.Look(rounded)) {
-            break;
+        const auto row = std::span(picture.pixels).subspan(first, width);
+        const bool isOpaque = IsOpaque(row, leastAlpha);
+        if (finder.IsSettled()) {
+            finder.LookAtAlpha(isOpaque);
+        } else {
+            RoundRow<Sample>(row, rounded);
+            finder.Look(rounded, isOpaque);
         }
     }
     return finder.Take();
@@ -147,14 +172,14 @@ PictureTraits FindTraits(const Picture& picture, bool opaque) {
 /// Takes the layout's channels out of all four.
 template <typename Sample>
 void PickBands(std::span<const Channels<Sample>> row, int bands, Sample* out) {
-    // The most frequent case by itself, so that its loop has nothing to decide.
-    if (bands == 3) {
-        for (const auto& [r, g, b, a] : row) {
-            out[0] = r;
-            out[1] = g;
-            out[2] = b;
+    // The most frequent case by itself. All but the last pixel are written with their alpha, which
+    // the next one overwrites.
+    if (bands == 3 && !row.empty()) {
+        for (const auto& pixel : row.first(row.size() - 1)) {
+            std::memcpy(out, pixel.data(), sizeof pixel);
             out += 3;
         }
+        std::memcpy(out, row.back().data(), 3 * sizeof(Sample));
         return;
     }
     const size_t step = bands == 4 ? 1 : 3;
@@ -168,9 +193,8 @@ void PickBands(std::span<const Channels<Sample>> row, int bands, Sample* out) {
 }  // namespace
 
 PictureTraits TraitsOf(const Picture& picture, int depth) {
-    const bool deep = depth == 16;
-    const bool opaque = IsOpaque(picture.pixels, deep ? kFullScale - 1 : FromDepth8(255) - 128);
-    return deep ? FindTraits<uint16_t>(picture, opaque) : FindTraits<uint8_t>(picture, opaque);
+    return depth == 16 ? FindTraits<uint16_t>(picture, kFullScale - 1)
+                       : FindTraits<uint8_t>(picture, FromDepth8(255) - 128);
 }
 
 SampleRows::SampleRows(const Picture& picture, const SampleLayout& layout)

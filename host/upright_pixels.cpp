@@ -29,17 +29,26 @@ UprightPixels::UprightPixels(int32_t width, int32_t height, int orientation)
     }
 }
 
-void UprightPixels::Append(std::span<const RGBA16> rows) {
+std::span<RGBA16> UprightPixels::NextRows(size_t count) {
+    if (!isUpright_) {
+        turning_.resize(count * width_);
+        return turning_;
+    }
+    const size_t first = pixels_.size();
+    pixels_.resize(first + count * width_);
+    return std::span(pixels_).subspan(first);
+}
+
+void UprightPixels::Place() {
     if (isUpright_) {
-        pixels_.insert(pixels_.end(), rows.begin(), rows.end());
         return;
     }
-    const size_t count = rows.size() / width_;
+    const size_t count = turning_.size() / width_;
     // Down the columns, since the rows of a strip are neighbours in a turned picture.
     for (size_t x = 0; x < width_; ++x) {
         ptrdiff_t at = next_ + static_cast<ptrdiff_t>(x) * stepX_;
         for (size_t y = 0; y < count; ++y) {
-            pixels_[static_cast<size_t>(at)] = rows[y * width_ + x];
+            pixels_[static_cast<size_t>(at)] = turning_[y * width_ + x];
             at += stepY_;
         }
     }

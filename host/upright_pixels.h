@@ -15,8 +15,11 @@ class UprightPixels {
     /// counts as 1, upright.
     UprightPixels(int32_t width, int32_t height, int orientation);
 
-    /// The next whole rows of the file.
-    void Append(std::span<const RGBA16> rows);
+    /// Room for the next `count` whole rows of the file, to be filled before Place.
+    std::span<RGBA16> NextRows(size_t count);
+
+    /// Puts those rows where they belong.
+    void Place();
 
     /// The picture, once all rows are there.
     std::vector<RGBA16> Take() { return std::move(pixels_); }
@@ -28,6 +31,7 @@ class UprightPixels {
     ptrdiff_t stepX_ = 1;  ///< from a pixel of the file to the one beside it
     ptrdiff_t stepY_ = 0;  ///< and to the one below
     std::vector<RGBA16> pixels_;
+    std::vector<RGBA16> turning_;  ///< rows that are not where they belong yet
 };
 
 }  // namespace imgbasic::host

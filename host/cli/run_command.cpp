@@ -8,6 +8,7 @@
 #include "host/cli/picture_change.h"
 #include "host/cli/report.h"
 #include "host/cli/settings_command.h"
+#include "host/cli/strip_run.h"
 #include "host/memory_limit.h"
 #include "host/openraster.h"
 
@@ -121,7 +122,9 @@ void Process(const Module& module, const FilterCommand& command, ImageProcess* r
     const Document source = compares ? document : Document{};
     const std::string sizeBefore = SizeText(document);
     const Stopwatch stopwatch;
-    RunOutcome outcome = RunFilterInUsersLanguage(module, std::move(document), request);
+    RunOutcome outcome = CanRunInStrips(document, request)
+                             ? RunInStrips(module, std::move(document), request)
+                             : RunFilterInUsersLanguage(module, std::move(document), request);
     const double milliseconds = stopwatch.Milliseconds();
     if (outcome.status == RunStatus::Failed || outcome.status == RunStatus::Cancelled) {
         throw JobError((outcome.status == RunStatus::Failed ? outcome.fault : "cancelled") +

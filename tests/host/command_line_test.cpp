@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "host/driver.h"
 #include "host/flatten.h"
 #include "tests/host/test_files.h"
 
@@ -345,6 +346,24 @@ TEST_F(CommandLine, TakesColorsAndSizesAsPeopleWriteThem) {
     EXPECT_EQ(Bytes("a.png"), Bytes("b.png"));
     EXPECT_THAT(result.out, HasSubstr("c.png: 8 x 6 pixels"));
     EXPECT_THAT(result.err, HasSubstr("d.png: keeps no layers"));
+}
+
+TEST_F(CommandLine, ARunInStripsIsTheRunOfTheWhole) {
+    RandomDocuments random(5);
+    const Document document = OneLayer(311, 300, 16, random.Pixels(size_t{311} * 300, 16));
+    SaveDocument(document, Path("in.ora"), {});
+    const Module module = LoadModule(FindModule());
+    for (const char* filter : {"gray", "mono", "nega"}) {
+        const RunRequest request{.filter = filter, .options = {Option(filter, "TargetType", 0)}};
+        const Result result =
+            Run(std::string("imgbasic ") + filter + " in.ora --target merged --force -o out.ora");
+        EXPECT_EQ(result.status, 0) << result.err;
+        const RunOutcome whole = RunFilter(module, document, request);
+        const Document strips = LoadDocument(Path("out.ora"));
+        EXPECT_EQ(std::get<Layer>(strips.items.at(0)).pixels,
+                  std::get<Layer>(whole.document.items.at(0)).pixels)
+            << filter;
+    }
 }
 
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {
