@@ -8,6 +8,7 @@ trap 'rm -rf "$prefix"' EXIT
 
 cmake --install build/native --prefix "$prefix" >/dev/null
 (cd "$prefix" && ls bin/imgbasic include/imgbasic_host.h share/doc/imgbasic/{README.md,LICENSE,docs/protocol.md}) >/dev/null
+(cd "$prefix" && ls share/man/man1/imgbasic.1 share/bash-completion/completions/imgbasic) >/dev/null
 "$prefix/bin/imgbasic" nega samples/landscape.ora --target merged --quiet -o "$prefix/inverted.png"
 "$prefix/bin/imgbasic" info "$prefix/inverted.png" >/dev/null
 

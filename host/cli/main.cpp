@@ -6,6 +6,7 @@
 #include <new>
 
 #include "host/atomic_file.h"
+#include "host/cli/command_tree.h"
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
 #include "host/cli/report.h"
@@ -55,6 +56,7 @@ int Run(int argc, char** argv) {
     CLI::App app("Image filters from a plug-in module, run over files.", "imgbasic");
     app.formatter(std::make_shared<HelpLayout>());
     app.set_help_flag("-h,--help", "Show this help");
+    app.set_version_flag("--version", "imgbasic " IMGBASIC_VERSION, "Show the version");
     app.require_subcommand(0, 1);
     app.fallthrough();
     app.footer("\n`imgbasic COMMAND --help` explains a command.");
@@ -91,6 +93,7 @@ int Run(int argc, char** argv) {
             ShowSettings();
         }
     });
+    AddGeneratedTexts(app);
 
     try {
         app.parse(argc, argv);
