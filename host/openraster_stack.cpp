@@ -109,7 +109,8 @@ std::optional<LayerAttributes> AttributesIn(pugi::xml_node node) {
     if (!opacity) {
         return std::nullopt;
     }
-    LayerAttributes member{.name = node.attribute("name").value(), .opacity = PercentOf(*opacity)};
+    LayerAttributes member{.name = XmlText(node.attribute("name").value()),
+                           .opacity = PercentOf(*opacity)};
     member.visible = std::string_view(node.attribute("visibility").value()) != "hidden";
     member.clip = std::string_view(node.attribute("alpha-preserve").value()) == "true";
     const std::string_view operation = node.attribute("composite-op").as_string("svg:src-over");

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
@@ -72,18 +73,17 @@ class File {
 
 /// The file's text; nothing when it cannot be read or is longer than ours may be.
 std::optional<std::string> ReadText(int descriptor) {
-    std::string text(kLargestFile + 1, '\0');
-    size_t length = 0;
+    std::string text;
+    std::array<char, 4096> part;
     ssize_t got = 1;
-    while (got != 0 && length < text.size()) {
-        got = read(descriptor, text.data() + length, text.size() - length);
+    while (got != 0 && text.size() <= kLargestFile) {
+        got = read(descriptor, part.data(), part.size());
         if (got < 0 && errno != EINTR) {
             return std::nullopt;
         }
-        length += got < 0 ? 0 : static_cast<size_t>(got);
+        text.append(part.data(), got < 0 ? 0 : static_cast<size_t>(got));
     }
-    text.resize(length);
-    return length <= kLargestFile ? std::optional(text) : std::nullopt;
+    return text.size() <= kLargestFile ? std::optional(text) : std::nullopt;
 }
 
 /// The file's lines without their ends; none when there is no such file, nothing when it cannot
