@@ -138,7 +138,8 @@ void ZipWriter::Require(bool done) const {
     if (!done) {
         const std::string reason = archive_ ? zip_strerror(archive_.get()) : "no archive";
         throw FileError(name_ + ": cannot be put together as OpenRaster (" + reason +
-                        "); try again with more free memory");
+                        "); get another copy of the file that it came from, or try again with "
+                        "more free memory");
     }
 }
 

@@ -31,7 +31,8 @@ def copy_tree():
                                            and filecmp.cmp(source, target, shallow=False)):
             os.makedirs(os.path.dirname(target), exist_ok=True)
             shutil.copy(source, target)
-    subprocess.run(["cmake", "--preset", "native"], cwd=TREE, check=True, capture_output=True)
+    subprocess.run(["cmake", "--preset", "native", "-DIMGBASIC_BENCH=OFF"], cwd=TREE, check=True,
+                   capture_output=True)
 
 
 def build(target):
