@@ -87,6 +87,9 @@ struct Document {
     std::shared_ptr<const OpenRasterSource> source{};
     /// What the file held beside the picture; null for a file with layers.
     std::shared_ptr<const FileMetadata> metadata{};
+    /// What the names of files of its format end in, such as ".png"; empty for formats that are
+    /// only read.
+    std::string extension{};
 };
 
 /// The layers among the items, those in folders at any depth included.

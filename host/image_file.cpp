@@ -1,8 +1,10 @@
 #include "host/image_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fstream>
+#include <iostream>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -11,7 +13,9 @@
 #include "host/atomic_file.h"
 #include "host/flatten.h"
 #include "host/openraster.h"
+#include "host/openraster_archive.h"
 #include "host/raster_file.h"
+#include "host/vips_library.h"
 #include "lib/base/ascii.h"
 
 namespace imgbasic::host {
@@ -21,32 +25,22 @@ namespace {
 using FileFormat = std::optional<RasterFormat>;
 constexpr FileFormat kOpenRaster;
 
-constexpr const char* kStandardInput = "-";
-constexpr const char* kStandardInputFile = "/dev/stdin";
-
-struct Extension {
+/// What a name may end in, behind a dot.
+struct Ending {
     std::string_view text;
     FileFormat format;
 };
 
-constexpr Extension kExtensions[] = {
-    {".png", RasterFormat::Png},   {".jpg", RasterFormat::Jpeg}, {".jpeg", RasterFormat::Jpeg},
-    {".webp", RasterFormat::WebP}, {".tif", RasterFormat::Tiff}, {".tiff", RasterFormat::Tiff},
-    {".ora", kOpenRaster},
+constexpr Ending kEndings[] = {
+    {"png", RasterFormat::Png},   {"jpg", RasterFormat::Jpeg}, {"jpeg", RasterFormat::Jpeg},
+    {"webp", RasterFormat::WebP}, {"tif", RasterFormat::Tiff}, {"tiff", RasterFormat::Tiff},
+    {"ora", kOpenRaster},
 };
 
-std::string LowerExtension(const std::filesystem::path& path) {
-    std::string extension = path.extension().string();
-    for (char& c : extension) {
-        c = LowerCase(c);
-    }
-    return extension;
-}
-
-FileFormat FormatByExtension(const std::filesystem::path& path) {
-    const std::string extension = LowerExtension(path);
-    for (const Extension& known : kExtensions) {
-        if (extension == known.text) {
+FileFormat FormatOf(const std::filesystem::path& path) {
+    const std::string extension = path.extension().string();
+    for (const Ending& known : kEndings) {
+        if (!extension.empty() && EqualIgnoringCase(extension.substr(1), known.text)) {
             return known.format;
         }
     }
@@ -62,27 +56,35 @@ FileFormat FormatByExtension(const std::filesystem::path& path) {
                     "); check the name and the permissions");
 }
 
-/// Whether the path names a file that can be read from any place; throws when it names none that
-/// can be read at all.
+/// Whether the path names a file that can be read from any place.
 bool IsPlainFile(const std::filesystem::path& path) {
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
-        throw FileError(path.string() + ": is a folder; name the images in it");
-    }
-    if (path == kStandardInput) {
-        return false;
-    }
-    errno = 0;
-    if (!std::ifstream(path, std::ios::binary)) {
-        FailToOpen(path);
-    }
-    return std::filesystem::is_regular_file(path, error);
+    std::error_code ignored;
+    return path != kStandardStream && std::filesystem::is_regular_file(path, ignored);
 }
 
-bool IsZip(std::istream& file) {
+/// A pipe may be opened only once: who writes to it is told when nobody reads any more.
+std::ifstream OpenFile(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        throw FileError(path.string() + ": is a folder; name the images in it");
+    }
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        FailToOpen(path);
+    }
+    return file;
+}
+
+bool IsZip(std::string_view start) {
+    return start.starts_with("PK");
+}
+
+/// The same for a file.
+bool IsZipFile(const std::filesystem::path& path) {
     std::array<char, 2> start{};
-    file.read(start.data(), start.size());
-    return file.gcount() == start.size() && start == std::array{'P', 'K'};
+    OpenFile(path).read(start.data(), start.size());
+    return IsZip({start.data(), start.size()});
 }
 
 std::vector<std::byte> ReadWhole(std::istream& stream) {
@@ -96,9 +98,16 @@ std::vector<std::byte> ReadWhole(std::istream& stream) {
     return bytes;
 }
 
+/// What names of the format end in, by the name of it that a file's header gave.
+std::string ExtensionOf(const std::string& format) {
+    const bool isWritten = std::ranges::find(kEndings, format, &Ending::text) != std::end(kEndings);
+    return isWritten ? "." + format : "";
+}
+
 Document DocumentOf(Picture picture, const std::string& layerName) {
     Document document{picture.width, picture.height, picture.bitDepth, {}};
     document.metadata = std::move(picture.metadata);
+    document.extension = ExtensionOf(picture.format);
     Layer layer;
     layer.name = layerName;
     layer.pixels = std::move(picture.pixels);
@@ -143,26 +152,66 @@ std::vector<std::byte> Encode(Document document, FileFormat format, const std::s
                         options.encode);
 }
 
+/// Reads what can be read only once, to its end.
+Document ReadStream(const std::filesystem::path& path, std::vector<std::string>& notes,
+                    Detail detail) {
+    const std::string name = InputName(path);
+    std::vector<std::byte> bytes;
+    if (path == kStandardStream) {
+        bytes = ReadWhole(std::cin);
+    } else {
+        std::ifstream file = OpenFile(path);
+        bytes = ReadWhole(file);
+    }
+    if (bytes.empty()) {
+        throw FileError(name + ": is empty; look at what should have been written to it");
+    }
+    const auto* const start = reinterpret_cast<const char*>(bytes.data());
+    if (IsZip({start, bytes.size()})) {
+        return ReadOpenRaster(ZipReader(name, std::move(bytes)), name, detail, notes);
+    }
+    return DocumentOf(ReadRaster({.name = name, .bytes = bytes}, notes),
+                      path == kStandardStream ? name : path.stem().string());
+}
+
 }  // namespace
+
+std::string InputName(const std::filesystem::path& path) {
+    return path == kStandardStream ? "standard input" : path.string();
+}
+
+void StartCodecs() {
+    StartVips();
+}
 
 Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes,
                       Detail detail) {
     std::vector<std::string> unread;
     std::vector<std::string>& told = notes != nullptr ? *notes : unread;
     if (!IsPlainFile(path)) {
-        std::ifstream stream(path == kStandardInput ? kStandardInputFile : path, std::ios::binary);
-        return LoadDocument(ReadWhole(stream), path.string(), notes);
+        return ReadStream(path, told, detail);
     }
-    std::ifstream file(path, std::ios::binary);
-    if (IsZip(file)) {
-        return ReadOpenRaster(path.string(), detail, told);
+    if (IsZipFile(path)) {
+        return ReadOpenRaster(ZipReader(path.string()), path.string(), detail, told);
     }
     return DocumentOf(ReadRaster({.name = path.string(), .path = path.string()}, told),
                       path.stem().string());
 }
 
-bool KeepsLayers(const std::filesystem::path& path) {
-    return FormatByExtension(path) == kOpenRaster;
+std::vector<std::string> OutputFormats() {
+    std::vector<std::string> formats;
+    for (const Ending& ending : kEndings) {
+        formats.emplace_back(ending.text);
+    }
+    return formats;
+}
+
+void RequireFormat(const std::filesystem::path& path) {
+    (void)FormatOf(path);
+}
+
+bool KeepsLayers(const std::string& extension) {
+    return FormatOf("x" + extension) == kOpenRaster;
 }
 
 Document LoadDocument(std::span<const std::byte> bytes, const std::string& name,
@@ -174,7 +223,7 @@ Document LoadDocument(std::span<const std::byte> bytes, const std::string& name,
 
 std::vector<std::string> SaveDocument(Document document, const std::filesystem::path& path,
                                       const SaveOptions& options) {
-    const FileFormat format = FormatByExtension(path);
+    const FileFormat format = FormatOf(path);
     AtomicFile file(path, options.overwrite);
     std::vector<std::string> notes;
     file.Commit(Encode(std::move(document), format, path.string(), options, notes));
@@ -184,7 +233,7 @@ std::vector<std::string> SaveDocument(Document document, const std::filesystem::
 std::vector<std::byte> EncodeDocument(Document document, const std::string& extension,
                                       const std::string& name, const SaveOptions& options,
                                       std::vector<std::string>& notes) {
-    return Encode(std::move(document), FormatByExtension("x" + extension), name, options, notes);
+    return Encode(std::move(document), FormatOf("x" + extension), name, options, notes);
 }
 
 std::optional<RasterHeader> ReadHeader(const std::filesystem::path& path,
@@ -192,8 +241,7 @@ std::optional<RasterHeader> ReadHeader(const std::filesystem::path& path,
     if (!IsPlainFile(path)) {
         return std::nullopt;
     }
-    std::ifstream file(path, std::ios::binary);
-    if (IsZip(file)) {
+    if (IsZipFile(path)) {
         return std::nullopt;
     }
     return ReadRasterHeader({.name = path.string(), .path = path.string()}, notes);

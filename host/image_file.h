@@ -27,15 +27,32 @@ enum class Detail {
     Outline,
 };
 
+/// The name of the standard input where images are read, and of the standard output where one is
+/// written.
+constexpr const char* kStandardStream = "-";
+
 /// Reads OpenRaster with its layers, any other image as a document of one layer with the file's
 /// metadata. The content decides the format. "-", and what is no plain file, is read to its end
-/// first, and cannot be OpenRaster. What cannot be shown as the file means it is told in `notes`,
+/// first. What cannot be shown as the file means it is told in `notes`,
 /// when given. Throws FileError.
 Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes = nullptr,
                       Detail detail = Detail::Everything);
 
-/// Whether a file of that name keeps the layers. Throws FileError for an unknown ending.
-bool KeepsLayers(const std::filesystem::path& path);
+/// What messages call the file: its path, but for "-".
+std::string InputName(const std::filesystem::path& path);
+
+/// Starts the libraries that read and write files, which takes longer than a small file does, in a
+/// process that is going to fork others. They start on first use otherwise. Throws FileError.
+void StartCodecs();
+
+/// The endings, without a dot, of the files that can be written.
+std::vector<std::string> OutputFormats();
+
+/// Throws FileError when the name does not end in a format that can be written.
+void RequireFormat(const std::filesystem::path& path);
+
+/// Whether files of a format that can be written keep the layers; `extension` such as ".png".
+bool KeepsLayers(const std::string& extension);
 
 /// The same from memory; `name` names it in errors and becomes the layer's.
 Document LoadDocument(std::span<const std::byte> bytes, const std::string& name,

@@ -17,9 +17,13 @@ namespace imgbasic::host {
 // element there. Writing it starts from that: what the document says no otherwise goes back as it
 // came, unknown attributes, nodes and files of the archive included.
 
-/// Reads the file at `path`. A layer's pixels outside the image are left in the file. What is
-/// shown otherwise than the file means it is told in `notes`. Throws FileError.
-Document ReadOpenRaster(const std::string& path, Detail detail, std::vector<std::string>& notes);
+class ZipReader;
+
+/// Reads a file; `name` names it in errors and notes. A layer's pixels outside the image are left
+/// in the file. What is shown otherwise than the file means it is told in `notes`. Throws
+/// FileError.
+Document ReadOpenRaster(ZipReader archive, const std::string& name, Detail detail,
+                        std::vector<std::string>& notes);
 
 /// The bytes of an archive of the layers, the picture that they give together at `bitDepth`
 /// bits a channel, and a thumbnail. A layer that still has the pixels of its origin goes back as

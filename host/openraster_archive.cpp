@@ -1,6 +1,7 @@
 #include "host/openraster_archive.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/image_file.h"
 
@@ -16,13 +17,27 @@ ZipReader::Entry EntryOf(zip_t* archive, const zip_stat_t& stat) {
             .isFirstOfName = first == static_cast<zip_int64_t>(stat.index)};
 }
 
+void RequireOpen(const zip_t* archive, const std::string& name) {
+    if (archive == nullptr) {
+        throw FileError(name + ": is a damaged or incomplete archive; get another copy of it");
+    }
+}
+
 }  // namespace
 
 ZipReader::ZipReader(const std::string& path)
     : archive_(zip_open(path.c_str(), ZIP_RDONLY, nullptr)) {
+    RequireOpen(archive_.get(), path);
+}
+
+ZipReader::ZipReader(const std::string& name, std::vector<std::byte> bytes)
+    : bytes_(std::move(bytes)) {
+    zip_source_t* const source = zip_source_buffer_create(bytes_.data(), bytes_.size(), 0, nullptr);
+    archive_.reset(source != nullptr ? zip_open_from_source(source, ZIP_RDONLY, nullptr) : nullptr);
     if (!archive_) {
-        throw FileError(path + ": is a damaged or incomplete archive; get another copy of it");
+        zip_source_free(source);
     }
+    RequireOpen(archive_.get(), name);
 }
 
 ZipReader::Entry ZipReader::Find(const std::string& name, const std::string& user) const {

@@ -15,6 +15,8 @@ namespace imgbasic::host {
 class ZipReader {
   public:
     explicit ZipReader(const std::string& path);
+    /// One in memory; `name` names it in errors.
+    ZipReader(const std::string& name, std::vector<std::byte> bytes);
 
     /// What the archive says about one of its files.
     struct Entry {
@@ -38,6 +40,7 @@ class ZipReader {
     struct Close {
         void operator()(zip_t* archive) const { zip_discard(archive); }
     };
+    std::vector<std::byte> bytes_{};  ///< read as long as the archive is open
     std::unique_ptr<zip_t, Close> archive_;
 };
 

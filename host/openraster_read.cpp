@@ -41,18 +41,19 @@ PixelRect RectAt(int32_t x, int32_t y, int32_t width, int32_t height) {
 
 class Reader {
   public:
-    Reader(const std::string& path, Detail detail, std::vector<std::string>& notes)
-        : path_(path),
+    Reader(ZipReader archive, const std::string& name, Detail detail,
+           std::vector<std::string>& notes)
+        : name_(name),
           detail_(detail),
           notes_(notes),
-          source_(std::make_shared<OpenRasterSource>(path)) {}
+          source_(std::make_shared<OpenRasterSource>(std::move(archive))) {}
 
     Document Read() {
-        const ZipReader::Entry entry = source_->archive.Find("stack.xml", path_);
+        const ZipReader::Entry entry = source_->archive.Find("stack.xml", name_);
         if (entry.size > kLargestStackXml) {
-            FailAsTooLarge(path_, entry, "the 16 that are read");
+            FailAsTooLarge(name_, entry, "the 16 that are read");
         }
-        const std::vector<std::byte> text = source_->archive.Content(entry, path_);
+        const std::vector<std::byte> text = source_->archive.Content(entry, name_);
         if (!source_->stack.load_buffer(
                 text.data(), text.size(),
                 pugi::parse_full | pugi::parse_ws_pcdata | pugi::parse_fragment)) {
@@ -70,7 +71,7 @@ class Reader {
             Fail("has no layers; open it in a paint program and save it with one");
         }
         if (detail_ == Detail::Everything) {
-            RequireMemory(path_, source_->width, source_->height, layers);
+            RequireMemory(name_, source_->width, source_->height, layers);
         }
         Document document{source_->width, source_->height, 8, ReadItems(stack, 0)};
         const std::string_view depth = image.attribute(kOpenRasterDepthAttribute).value();
@@ -78,12 +79,13 @@ class Reader {
         if (detail_ == Detail::Everything) {
             document.source = source_;
         }
+        document.extension = ".ora";
         return document;
     }
 
   private:
     [[noreturn]] void Fail(const std::string& fault) const {
-        throw FileError(path_ + ": " + fault);
+        throw FileError(name_ + ": " + fault);
     }
 
     /// Fails because of an attribute that is to be a number.
@@ -127,7 +129,7 @@ class Reader {
                 folder.items = ReadItems(node, depth + 1);
                 items.emplace_back(std::move(folder));
             } else if (IsElement(node, "text") || IsElement(node, "filter")) {
-                notes_.push_back(path_ + ": the " + node.name() + " \"" +
+                notes_.push_back(name_ + ": the " + node.name() + " \"" +
                                  node.attribute("name").value() + "\" is kept but not drawn");
             }
         }
@@ -145,7 +147,7 @@ class Reader {
     Layer ReadLayer(pugi::xml_node node) {
         Layer layer;
         ReadAttributes(node, layer);
-        const std::string user = path_ + ": layer \"" + layer.name + "\"";
+        const std::string user = name_ + ": layer \"" + layer.name + "\"";
         const ZipReader::Entry entry = source_->archive.Find(node.attribute("src").value(), user);
         const std::string file = user + ", file \"" + entry.name + "\"";
         const PngHeader header = Header(entry, file);
@@ -217,7 +219,7 @@ class Reader {
         return pixels;
     }
 
-    const std::string& path_;
+    const std::string& name_;
     Detail detail_;
     std::vector<std::string>& notes_;
     std::shared_ptr<OpenRasterSource> source_;
@@ -226,8 +228,9 @@ class Reader {
 
 }  // namespace
 
-Document ReadOpenRaster(const std::string& path, Detail detail, std::vector<std::string>& notes) {
-    return Reader(path, detail, notes).Read();
+Document ReadOpenRaster(ZipReader archive, const std::string& name, Detail detail,
+                        std::vector<std::string>& notes) {
+    return Reader(std::move(archive), name, detail, notes).Read();
 }
 
 }  // namespace imgbasic::host

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "host/document.h"
@@ -23,7 +24,7 @@ constexpr char kOpenRasterDepthAttribute[] = "imgbasic-bit-depth";
 
 /// A file that a document was read from, as it was.
 struct OpenRasterSource {
-    explicit OpenRasterSource(const std::string& path) : archive(path) {}
+    explicit OpenRasterSource(ZipReader reader) : archive(std::move(reader)) {}
 
     ZipReader archive;
     pugi::xml_document stack;  ///< everything in it, blanks and comments included

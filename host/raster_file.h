@@ -20,6 +20,7 @@ struct Picture {
     int bitDepth = 8;  ///< bits a channel in the file, 8 or 16
     std::vector<RGBA16> pixels;
     std::shared_ptr<const FileMetadata> metadata{};  ///< null when there is none
+    std::string format{};                            ///< of the file, as RasterHeader::format
 };
 
 enum class RasterFormat { Png, Jpeg, WebP, Tiff };
@@ -29,7 +30,7 @@ struct RasterHeader {
     int32_t width = 0;  ///< of the upright picture
     int32_t height = 0;
     int bitDepth = 8;
-    std::string format;  ///< such as "PNG"
+    std::string format;  ///< such as "png"
     std::shared_ptr<const FileMetadata> metadata{};
 };
 

@@ -264,6 +264,7 @@ Picture Decode(const RasterInput& input, const char* wantedLoader,
         metadata->lowerSamples = TakeLowerSamples(picture.pixels);
     }
     picture.metadata = std::move(metadata);
+    picture.format = header.format;
     return picture;
 }
 

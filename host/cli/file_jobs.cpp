@@ -1,135 +1,89 @@
 #include "host/cli/file_jobs.h"
 
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
 #include <map>
+#include <string>
+#include <system_error>
+
+#include "host/cli/standard_streams.h"
+#include "lib/base/ascii.h"
 
 namespace imgbasic::host {
 namespace {
 
-/// Child processes, each at work on one job.
-class Workers {
-  public:
-    Workers(const Report& report, const std::function<bool(const FileJob&)>& work)
-        : report_(report), work_(work) {}
+namespace fs = std::filesystem;
 
-    size_t count() const { return jobs_.size(); }
+constexpr const char* kIndexedFormat = "png";
 
-    bool Start(const FileJob& job) {
-        const pid_t parent = getpid();
-        const pid_t child = fork();
-        if (child < 0) {
-            report_.Error(job.input.string() + ": no worker process can be started (" +
-                          std::strerror(errno) + "); use fewer --jobs");
-            return false;
-        }
-        if (child == 0) {
-            // A worker goes along with the process that it works for, however that ends.
-            prctl(PR_SET_PDEATHSIG, SIGTERM);
-            if (getppid() != parent) {
-                _exit(EXIT_FAILURE);
-            }
-            // The other workers keep the processors busy; the image library's threads would only
-            // compete with them.
-            setenv("VIPS_CONCURRENCY", "1", 0);
-            const bool done = work_(job);
-            std::fflush(nullptr);
-            _exit(done ? EXIT_SUCCESS : EXIT_FAILURE);
-        }
-        jobs_.emplace(child, &job);
-        return true;
+/// The ending of every output; empty where each has that of its name or its input.
+std::string CommonFormat(const FileOptions& files, bool isNamed) {
+    if (isNamed && !files.format.empty()) {
+        throw UsageError("the ending of " + files.output.string() +
+                         " says the format; leave out --format or write into a folder");
     }
+    return files.format.empty() && files.save.encode.indexed && !isNamed ? kIndexedFormat
+                                                                         : files.format;
+}
 
-    /// Waits until one of them ends; whether its job succeeded.
-    bool Wait() {
-        int status = 0;
-        const auto entry = jobs_.find(wait(&status));
-        if (entry == jobs_.end()) {
-            return true;  // a child that the caller's process had before
-        }
-        const FileJob& job = *entry->second;
-        jobs_.erase(entry);
-        if (WIFSIGNALED(status)) {
-            report_.Error(job.input.string() + ": the worker process died (" +
-                          strsignal(WTERMSIG(status)) + "); nothing was written");
-        }
-        return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+void CheckStreams(const FileOptions& files, bool isFolder) {
+    const auto streams = std::ranges::count(files.inputs, fs::path(kStandardStream));
+    if (streams > 1) {
+        throw UsageError("the standard input can be read only once; name - once");
     }
-
-  private:
-    const Report& report_;
-    const std::function<bool(const FileJob&)>& work_;
-    std::map<pid_t, const FileJob*> jobs_;
-};
-
-bool DoOneByOne(const std::vector<FileJob>& jobs, const Report& report,
-                const std::function<bool(const FileJob&)>& work) {
-    bool allDone = true;
-    for (size_t index = 0; index < jobs.size(); ++index) {
-        if (jobs.size() > 1) {
-            report.Progress(index, jobs.size());
-        }
-        allDone &= work(jobs[index]);
+    if (streams > 0 && isFolder) {
+        throw UsageError("the standard input has no name to go under in " + files.output.string() +
+                         "; name its output or write -o -");
     }
-    report.Progress(jobs.size(), jobs.size());
-    return allDone;
+    if (files.output == kStandardStream && IsStandardOutputTerminal()) {
+        throw UsageError("the standard output is a terminal; send it to a file or a program");
+    }
+}
+
+void CheckIndexed(const FileOptions& files, const std::string& extension) {
+    if (files.save.encode.indexed && !EqualIgnoringCase(extension, ".png")) {
+        throw UsageError("--indexed writes PNG; leave it out or let the output be PNG");
+    }
 }
 
 }  // namespace
 
-std::vector<FileJob> PlanJobs(const std::vector<std::filesystem::path>& inputs,
-                              const std::filesystem::path& output) {
+std::vector<FileJob> PlanJobs(const FileOptions& files) {
+    const fs::path& output = files.output;
     std::error_code ignored;
-    const bool isFolder = !output.has_filename() || std::filesystem::is_directory(output, ignored);
-    if (!isFolder && inputs.size() > 1) {
-        throw UsageError("several inputs need a folder to go to; write -o " + output.string() +
-                         "/");
+    const bool isStream = output == kStandardStream;
+    const bool isFolder =
+        !isStream && (!output.has_filename() || fs::is_directory(output, ignored));
+    if (!isFolder && files.inputs.size() > 1) {
+        throw UsageError("several inputs need a folder to go to; write -o " +
+                         (isStream ? "FOLDER" : output.string()) + "/");
     }
+    CheckStreams(files, isFolder);
+    const std::string format = CommonFormat(files, !isFolder && !isStream);
     std::vector<FileJob> jobs;
-    std::map<std::filesystem::path, std::filesystem::path> sources;
-    for (const std::filesystem::path& input : inputs) {
-        jobs.push_back({input, isFolder ? output / input.filename() : output});
-        const auto [known, isNew] = sources.emplace(jobs.back().output, input);
+    std::map<fs::path, fs::path> sources;
+    for (const fs::path& input : files.inputs) {
+        FileJob& job = jobs.emplace_back(input, isFolder ? output / input.filename() : output);
+        if (isFolder && !format.empty()) {
+            job.output.replace_extension(format);
+        }
+        const auto [known, isNew] = sources.emplace(job.output, input);
         if (!isNew) {
             throw UsageError(known->second.string() + " and " + input.string() +
                              " would both become " + known->first.string() +
                              "; run them into different folders");
         }
+        if (!isStream) {
+            job.extension = job.output.extension().string();
+        } else if (!format.empty()) {
+            job.extension = "." + format;
+        }
+        CheckIndexed(files, job.extension);
     }
     if (isFolder) {
         // Where that fails, writing the files tells why.
-        std::filesystem::create_directories(output, ignored);
+        fs::create_directories(output, ignored);
     }
     return jobs;
-}
-
-bool DoJobs(const std::vector<FileJob>& jobs, size_t workers, const Report& report,
-            const std::function<bool(const FileJob&)>& work) {
-    if (workers <= 1) {
-        return DoOneByOne(jobs, report, work);
-    }
-    // Whoever started this process may have left the ends of children ignored.
-    std::signal(SIGCHLD, SIG_DFL);
-    Workers running(report, work);
-    bool allDone = true;
-    size_t started = 0;
-    while (started < jobs.size() || running.count() > 0) {
-        report.Progress(started - running.count(), jobs.size());
-        if (started < jobs.size() && running.count() < workers) {
-            allDone &= running.Start(jobs[started++]);
-        } else {
-            allDone &= running.Wait();
-        }
-    }
-    report.Progress(jobs.size(), jobs.size());
-    return allDone;
 }
 
 }  // namespace imgbasic::host

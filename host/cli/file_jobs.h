@@ -1,11 +1,11 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
-#include "host/cli/report.h"
+#include "host/cli/file_options.h"
 
 namespace imgbasic::host {
 
@@ -13,6 +13,7 @@ namespace imgbasic::host {
 struct FileJob {
     std::filesystem::path input;
     std::filesystem::path output;
+    std::string extension;  ///< of the output's format; empty where it is that of the input
 };
 
 /// A command line that cannot be meant.
@@ -21,15 +22,10 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Where every input goes: into `output` when that is a folder or ends in a slash, under its own
-/// name, otherwise to `output` itself. Throws UsageError when two would be the same file.
-std::vector<FileJob> PlanJobs(const std::vector<std::filesystem::path>& inputs,
-                              const std::filesystem::path& output);
-
-/// Does every job, in `workers` processes at a time when that is more than one, and shows the
-/// progress of several. `work` reports its own faults and answers whether it succeeded; a worker
-/// that dies is reported here. False when any job failed.
-bool DoJobs(const std::vector<FileJob>& jobs, size_t workers, const Report& report,
-            const std::function<bool(const FileJob&)>& work);
+/// Where every input goes: into the output when that is a folder or ends in a slash, under its own
+/// name but for the ending of a format that was asked for, otherwise to the output itself. Makes
+/// the folder. Throws UsageError when two would be the same file, and where the standard streams
+/// cannot be meant.
+std::vector<FileJob> PlanJobs(const FileOptions& files);
 
 }  // namespace imgbasic::host

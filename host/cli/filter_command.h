@@ -1,14 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "host/driver.h"
-#include "host/image_file.h"
+#include "host/options.h"
 #include "host/scaled_size.h"
 
 namespace CLI {
@@ -17,17 +14,9 @@ class App;
 
 namespace imgbasic::host {
 
-/// One `imgbasic FILTER ...` as the user gave it.
+/// One filter with its options, as the user gave them.
 struct FilterCommand {
     std::string filter;
-    std::vector<std::filesystem::path> inputs;
-    std::filesystem::path output;
-    SaveOptions save;
-    bool acceptLoss = false;  ///< go on where the result cannot keep everything
-    size_t jobs = 1;
-    bool quiet = false;
-    bool verbose = false;
-
     std::optional<int32_t> target;  ///< a TargetKind
     std::optional<int32_t> layer;   ///< of the current position
     std::optional<int32_t> subLayer;
@@ -38,11 +27,7 @@ struct FilterCommand {
     SizeRequest size;  ///< scaling only
 };
 
-/// Adds the command of every filter to the command line; parsing one calls `run` with it.
-void AddFilterCommands(CLI::App& app, const std::function<void(const FilterCommand&)>& run);
-
-/// Runs the filter over all inputs. False when any of them failed, which has been reported. Throws
-/// UsageError.
-bool RunFilterCommand(const Module& module, const FilterCommand& command);
+/// Adds the options of `command.filter`, which parsing puts into `command`.
+void AddFilterOptions(CLI::App& app, FilterCommand& command);
 
 }  // namespace imgbasic::host

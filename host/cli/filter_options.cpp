@@ -5,7 +5,6 @@
 #include <span>
 
 #include "host/cli/filter_command.h"
-#include "host/cli/format_options.h"
 #include "host/cli/opaque_defaults.h"
 #include "host/cli/option_effects.h"
 #include "host/filter_words.h"
@@ -18,8 +17,6 @@ constexpr std::string_view kTargetType = "TargetType";
 
 constexpr const char* kFilterGroup = "What the filter does";
 constexpr const char* kLayerGroup = "Which layers";
-constexpr const char* kOutputGroup = "Files";
-constexpr const char* kOtherGroup = "Other";
 
 using CLI::App;
 
@@ -160,12 +157,6 @@ void AddColors(App& app, FilterCommand& command) {
     AddColor(app, "--back-color", command.backColor, "For --tint back, hexadecimal (FFFFFF)");
 }
 
-void AddIndexed(App& app, FilterCommand& command) {
-    app.add_flag("--indexed", command.save.encode.indexed,
-                 "Write a PNG with a palette, 8 bits a channel")
-        ->group(kFilterGroup);
-}
-
 void ParseBox(const std::string& text, std::optional<PixelSize>& box) {
     PixelSize size;
     const char* end = text.data() + text.size();
@@ -230,39 +221,6 @@ void AddSizes(App& app, FilterCommand& command) {
     AddSide(app, "newHeight", size.height)->excludes(ratio, fit);
 }
 
-/// What every filter's command has.
-void AddFiles(App& app, FilterCommand& command) {
-    app.add_option("IN", command.inputs,
-                   "Images: PNG, JPEG, WebP, TIFF, OpenRaster, GIF, BMP and others")
-        ->required()
-        ->type_name("");
-    app.add_option(
-           "-o,--output", command.output,
-           "File to write, its ending chooses the format, or a folder\n"
-           "(DIR/) that gets every result under its input's name and\nis made when it is not there")
-        ->required()
-        ->type_name("OUT")
-        ->group(kOutputGroup);
-    app.add_option("--depth", command.save.bitDepth,
-                   "Bits a channel, 8 or 16, instead of the input's")
-        ->check(CLI::IsMember({8, 16}).description(""))
-        ->type_name("BITS")
-        ->group(kOutputGroup);
-    AddFormatOptions(app, command.save, kOutputGroup);
-    app.add_flag("--force", command.save.overwrite, "Overwrite what exists")->group(kOutputGroup);
-    app.add_flag("--accept-loss", command.acceptLoss,
-                 "Go on where a layered result cannot keep or show everything")
-        ->group(kOutputGroup);
-    app.add_option("--jobs", command.jobs, "Worker processes for several inputs (1)")
-        ->check(Between(1, 1024))
-        ->type_name("N")
-        ->group(kOutputGroup);
-    app.add_flag("--quiet", command.quiet, "Say nothing but errors")->group(kOtherGroup);
-    app.add_flag("--verbose", command.verbose, "Tell about every run")
-        ->group(kOtherGroup)
-        ->excludes("--quiet");
-}
-
 void AddLayers(App& app, FilterCommand& command) {
     const std::span<const OptionWords> words = WordsOf(command.filter).options;
     const auto target = std::ranges::find(words, kTargetType, &OptionWords::option);
@@ -303,8 +261,7 @@ void AddSettings(App& app, FilterCommand& command) {
                }
            },
            "Set an option by its name in the module:" + fields)
-        ->expected(1)
-        ->take_all()
+        ->allow_extra_args(false)
         ->type_name("FIELD=N")
         ->group(kFilterGroup);
     app.add_flag("--remember", command.remember, "Keep these options as the defaults of later runs")
@@ -319,7 +276,7 @@ struct Extra {
 
 /// Added before the options, and after them.
 constexpr Extra kExtrasBefore[] = {{"scaling", AddSizes}};
-constexpr Extra kExtrasBehind[] = {{"gray", AddColors}, {"col_reduce", AddIndexed}};
+constexpr Extra kExtrasBehind[] = {{"gray", AddColors}};
 
 void AddExtras(std::span<const Extra> extras, App& app, FilterCommand& command) {
     for (const Extra& extra : extras) {
@@ -331,29 +288,18 @@ void AddExtras(std::span<const Extra> extras, App& app, FilterCommand& command) 
 
 }  // namespace
 
-void AddFilterCommands(CLI::App& app, const std::function<void(const FilterCommand&)>& run) {
-    for (const FilterRow& row : kFilterRows) {
-        const FilterWords& words = WordsOf(row.name);
-        App* subcommand = app.add_subcommand(row.name, std::string(words.summary));
-        const auto command = std::make_shared<FilterCommand>();
-        command->filter = row.name;
-        AddExtras(kExtrasBefore, *subcommand, *command);
-        AddOptions(*subcommand, *command);
-        AddExtras(kExtrasBehind, *subcommand, *command);
-        if (!row.options.empty()) {
-            AddSettings(*subcommand, *command);
-        }
-        // Another size is every layer's.
-        if (!row.changesSize) {
-            AddLayers(*subcommand, *command);
-        }
-        subcommand->parse_complete_callback(
-            [subcommand, command] { RefuseIneffective(*subcommand, *command); });
-        AddFiles(*subcommand, *command);
-        subcommand->set_help_flag("-h,--help", "Show this help")->group(kOtherGroup);
-        subcommand->footer("\nExample: imgbasic " + std::string(words.example));
-        subcommand->callback([command, run] { run(*command); });
+void AddFilterOptions(CLI::App& app, FilterCommand& command) {
+    AddExtras(kExtrasBefore, app, command);
+    AddOptions(app, command);
+    AddExtras(kExtrasBehind, app, command);
+    if (!OptionsOf(command.filter).empty()) {
+        AddSettings(app, command);
     }
+    // Another size is every layer's.
+    if (!std::ranges::find(kFilterRows, command.filter, &FilterRow::name)->changesSize) {
+        AddLayers(app, command);
+    }
+    app.parse_complete_callback([&] { RefuseIneffective(app, command); });
 }
 
 }  // namespace imgbasic::host

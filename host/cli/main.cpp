@@ -1,18 +1,27 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/atomic_file.h"
 #include "host/cli/command_tree.h"
 #include "host/cli/file_jobs.h"
-#include "host/cli/filter_command.h"
 #include "host/cli/report.h"
+#include "host/cli/run_command.h"
+#include "host/cli/run_options.h"
 #include "host/cli/settings_command.h"
 #include "host/cli/show_commands.h"
+#include "host/cli/standard_streams.h"
 #include "host/cli/usage_fault.h"
+#include "host/filter_words.h"
+#include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {
 namespace {
@@ -41,7 +50,9 @@ class HelpLayout : public CLI::Formatter {
 
     std::string make_usage(const CLI::App* app, std::string name) const override {
         std::string usage = "Usage: " + name;
-        if (app->get_option_no_throw("IN") != nullptr) {
+        if (app->get_name() == kRunCommand) {
+            usage += " STEP... -- IN... -o OUT [OPTIONS]";
+        } else if (app->get_option_no_throw("IN") != nullptr) {
             usage += " IN... -o OUT [OPTIONS]";
         } else if (app->get_option_no_throw("FILE") != nullptr) {
             usage += " FILE";
@@ -51,6 +62,39 @@ class HelpLayout : public CLI::Formatter {
         return usage + "\n";
     }
 };
+
+using Runner = std::function<void(RunCommand)>;
+
+/// Adds the command of every filter; parsing one calls `run` with it.
+void AddFilterCommands(CLI::App& app, const Runner& run) {
+    for (const FilterRow& row : kFilterRows) {
+        const FilterWords& words = WordsOf(row.name);
+        CLI::App* subcommand = app.add_subcommand(row.name, std::string(words.summary));
+        const auto command = std::make_shared<RunCommand>();
+        command->steps.emplace_back().filter = row.name;
+        AddFilterOptions(*subcommand, command->steps.front());
+        AddFileOptions(*subcommand, command->files);
+        subcommand->set_help_flag("-h,--help", "Show this help")->group(kOtherGroup);
+        subcommand->footer("\nExample: imgbasic " + std::string(words.example));
+        subcommand->callback([command, run] { run(*command); });
+    }
+}
+
+/// Adds the command that runs several filters; the same.
+void AddRunCommand(CLI::App& app, const Runner& run) {
+    CLI::App* subcommand =
+        app.add_subcommand(kRunCommand, "Run several filters, one after the other");
+    const auto command = std::make_shared<RunCommand>();
+    AddRunOptions(*subcommand, *command);
+    subcommand->set_help_flag("-h,--help", "Show this help")->group(kOtherGroup);
+    subcommand->callback([command, run] {
+        if (command->steps.empty()) {
+            throw UsageError(
+                "run needs its steps in front of --: imgbasic run \"STEP\"... -- IN... -o OUT");
+        }
+        run(*command);
+    });
+}
 
 int Run(int argc, char** argv) {
     CLI::App app("Image filters from a plug-in module, run over files.", "imgbasic");
@@ -68,9 +112,11 @@ int Run(int argc, char** argv) {
     const auto loadModule = [&] {
         return LoadModule(modulePath.empty() ? FindModule() : modulePath);
     };
-    AddFilterCommands(app, [&](const FilterCommand& command) {
-        status = RunFilterCommand(loadModule(), command) ? EXIT_SUCCESS : EXIT_FAILURE;
-    });
+    const Runner run = [&](RunCommand command) {
+        status = RunFilters(loadModule(), std::move(command)) ? EXIT_SUCCESS : EXIT_FAILURE;
+    };
+    AddFilterCommands(app, run);
+    AddRunCommand(app, run);
     app.add_subcommand("list", "Show what the module's filters are called and can do")
         ->footer("")
         ->callback([&] { ListFilters(loadModule()); });
@@ -96,11 +142,13 @@ int Run(int argc, char** argv) {
     AddGeneratedTexts(app);
 
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = WithNamedSteps({argv + 1, argv + argc});
+        std::ranges::reverse(arguments);
+        app.parse(std::move(arguments));
     } catch (const CLI::Success& help) {
         return app.exit(help);
     } catch (const CLI::ParseError& fault) {
-        throw UsageError(DescribeFault(app, fault));
+        throw UsageError(DescribeFaultAndHelp(app, fault));
     }
     if (app.get_subcommands().empty()) {
         throw UsageError("a command is missing; --help lists them");
@@ -114,9 +162,14 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     using namespace imgbasic::host;
     const Report report(false);
+    SecureStandardStreams();
     RemoveBegunOutputOnSignals();
     try {
-        return Run(argc, argv);
+        const int status = Run(argc, argv);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+            throw FileError("standard output: cannot be written; look at where it goes");
+        }
+        return status;
     } catch (const UsageError& fault) {
         report.Error(fault.what());
         return kUsageStatus;

@@ -57,6 +57,12 @@ void Report::Progress(size_t done, size_t total) const {
     WriteWhole(stderr, line.append(" of ").append(std::to_string(total)).append(" files"));
 }
 
+void Report::Summary(size_t files, size_t failed, double seconds) const {
+    char time[32];
+    std::snprintf(time, sizeof time, "%.1f s", seconds);
+    Note(std::to_string(files) + " files, " + std::to_string(failed) + " failed, " + time);
+}
+
 void Report::Say(const std::string& text) const {
     WriteWhole(stderr, (hasTerminal_ ? kClearLine : "") + text + "\n");
 }

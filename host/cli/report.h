@@ -21,6 +21,9 @@ class Report {
     /// Draws the bar; takes it away when `done` reaches `total`.
     void Progress(size_t done, size_t total) const;
 
+    /// What became of several files, and how long they took.
+    void Summary(size_t files, size_t failed, double seconds) const;
+
   private:
     void Say(const std::string& text) const;
 

@@ -110,11 +110,11 @@ std::string MetadataText(const FileMetadata& metadata) {
 
 void ShowHeader(const std::filesystem::path& path, const RasterHeader& header,
                 const std::vector<std::string>& notes) {
-    Print(path.string() + ": " + std::to_string(header.width) + " x " +
+    Print(InputName(path) + ": " + std::to_string(header.width) + " x " +
           std::to_string(header.height) + " pixels, " + std::to_string(header.bitDepth) +
           " bits a channel, " + header.format + "\n");
     if (const std::string metadata = MetadataText(*header.metadata); !metadata.empty()) {
-        Print(path.string() + ": has " + metadata + "\n");
+        Print(InputName(path) + ": has " + metadata + "\n");
     }
     for (const std::string& note : notes) {
         Print(note + "\n");
@@ -144,7 +144,7 @@ void ShowFile(const std::filesystem::path& path) {
         return;
     }
     const Document document = LoadDocument(path, &notes, Detail::Outline);
-    Print(path.string() + ": " + std::to_string(document.width) + " x " +
+    Print(InputName(path) + ": " + std::to_string(document.width) + " x " +
           std::to_string(document.height) + " pixels, " + std::to_string(document.bitDepth) +
           " bits a channel\n");
     for (const std::string& note : notes) {

@@ -48,15 +48,12 @@ std::string Question(const std::string& meant) {
     return meant.empty() ? "" : "; did you mean " + meant + "?";
 }
 
-std::string DescribeCommand(const CLI::App& app, const std::string& word) {
-    const auto* const synonym = std::ranges::find(kSynonyms, word, &Synonym::word);
+std::vector<std::string> CommandNames(const CLI::App& app) {
     std::vector<std::string> commands;
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
         commands.push_back(command->get_name());
     }
-    const std::string meant =
-        synonym != std::end(kSynonyms) ? synonym->command : NearestWord(word, commands);
-    return "there is no filter '" + word + "'" + Question(meant);
+    return commands;
 }
 
 std::string DescribeFlag(const CLI::App& app, const std::string& flag) {
@@ -87,16 +84,29 @@ std::string NearestWord(std::string_view word, const std::vector<std::string>& k
     return nearest;
 }
 
+std::string DescribeUnknown(const std::string& word, const std::vector<std::string>& known) {
+    const auto* const synonym = std::ranges::find(kSynonyms, word, &Synonym::word);
+    const std::string meant =
+        synonym != std::end(kSynonyms) ? synonym->command : NearestWord(word, known);
+    return "there is no filter '" + word + "'" + Question(meant);
+}
+
 std::string DescribeFault(const CLI::App& app, const CLI::ParseError& fault) {
-    std::string text = fault.what();
     const std::vector<std::string> unknown = app.remaining();
     if (dynamic_cast<const CLI::ExtrasError*>(&fault) != nullptr && !unknown.empty()) {
         if (unknown.front().starts_with('-')) {
-            text = DescribeFlag(app, unknown.front());
-        } else if (app.get_subcommands().empty()) {
-            text = DescribeCommand(app, unknown.front());
+            return DescribeFlag(app, unknown.front());
+        }
+        const std::vector<std::string> commands = CommandNames(app);
+        if (!commands.empty() && app.get_subcommands().empty()) {
+            return DescribeUnknown(unknown.front(), commands);
         }
     }
+    return fault.what();
+}
+
+std::string DescribeFaultAndHelp(const CLI::App& app, const CLI::ParseError& fault) {
+    const std::string text = DescribeFault(app, fault);
     return text + (text.ends_with('?') ? " " : "; ") + "--help tells more";
 }
 

@@ -15,6 +15,12 @@ namespace imgbasic::host {
 /// been meant by a word that is not known.
 std::string DescribeFault(const CLI::App& app, const CLI::ParseError& fault);
 
+/// The same, and where to look the right words up.
+std::string DescribeFaultAndHelp(const CLI::App& app, const CLI::ParseError& fault);
+
+/// The same of a word that is none of the filters or commands that are known.
+std::string DescribeUnknown(const std::string& word, const std::vector<std::string>& known);
+
 /// The one of `known` that `word` is likely a misspelling of; empty when none is near.
 std::string NearestWord(std::string_view word, const std::vector<std::string>& known);
 

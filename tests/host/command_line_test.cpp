@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "host/driver.h"
+#include "host/file_metadata.h"
 #include "host/flatten.h"
 #include "tests/host/test_files.h"
 
@@ -82,7 +83,8 @@ TEST_F(CommandLine, ReportsABadFileAndGoesOnWithTheOthers) {
         EXPECT_EQ(result.status, 1);
         EXPECT_THAT(result.err, HasSubstr("imgbasic: bad.png: "));
         EXPECT_THAT(result.err, HasSubstr("imgbasic: missing.png: "));
-        EXPECT_EQ(std::ranges::count(result.err, '\n'), 2) << result.err;
+        EXPECT_THAT(result.err, HasSubstr("5 files, 2 failed, "));
+        EXPECT_EQ(std::ranges::count(result.err, '\n'), 3) << result.err;
         EXPECT_EQ(std::ranges::count(result.out, '\n'), 3) << result.out;
     }
     for (const char* name : {"a.png", "b.png", "c.png"}) {
@@ -99,6 +101,82 @@ TEST_F(CommandLine, ReportsAWorkerThatDies) {
     EXPECT_THAT(result.out, HasSubstr("imgbasic: a.png: the worker process died"));
     EXPECT_THAT(result.out, HasSubstr("imgbasic: b.png: the worker process died"));
     EXPECT_THAT(result.out, testing::EndsWith("\n1\n"));
+}
+
+TEST_F(CommandLine, AWorkerThatIsKilledCostsOneFile) {
+    for (const char* name : {"a.png", "c.png", "d.png", "e.png"}) {
+        WriteImage(name, 1);
+    }
+    // The one worker that opens the pipe waits there for bytes.
+    const Result result =
+        Run("mkfifo b.png; \"$program\" nega a.png b.png c.png d.png e.png -o out/ --jobs 2 & "
+            "parent=$!; exec 3>b.png; until [ -n \"$victim\" ]; do "
+            "for child in $(cat /proc/$parent/task/$parent/children); do "
+            "for file in /proc/$child/fd/*; do [ ! $file -ef b.png ] || [ $child = $$ ] || "
+            "victim=$child; done; done; done; kill -KILL $victim; wait $parent; echo $?; ls out");
+    EXPECT_THAT(result.out, testing::EndsWith("1\na.png\nc.png\nd.png\ne.png\n"));
+    EXPECT_THAT(result.err, HasSubstr("imgbasic: b.png: the worker process died (Killed)"));
+    EXPECT_THAT(result.err, HasSubstr("5 files, 1 failed, "));
+}
+
+TEST_F(CommandLine, WritesAFolderInAnotherFormat) {
+    WriteImage("a.png", 1);
+    SaveDocument(OneLayer(2, 2, 8, std::vector<RGBA16>(4)), Path("b.c.ora"), {});
+    const Result result =
+        Run("imgbasic nega a.png b.c.ora -o out/ --format tiff && "
+            "imgbasic mono a.png b.c.ora -o out --indexed --quiet && imgbasic info out/b.c.png");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out,
+              "out/a.tiff\nout/b.c.tiff\n"
+              "out/b.c.png: 2 x 2 pixels, 8 bits a channel, png\n");
+    EXPECT_EQ(Bytes("out/a.tiff").substr(0, 2), "II");
+    constexpr char kPaletteType = 3;
+    EXPECT_EQ(Bytes("out/a.png").at(25), kPaletteType);
+}
+
+TEST_F(CommandLine, PassesPicturesOnThroughPipes) {
+    Document layered = OneLayer(64, 64, 16, RandomDocuments(1).Pixels(4096, 16));
+    layered.items.push_back(layered.items.front());
+    SaveDocument(layered, Path("in.ora"), {});
+    const Result good =
+        Run("imgbasic nega in.ora -o - --target all | imgbasic nega - -o - --target all >piped && "
+            "imgbasic info - <piped && imgbasic nega - -o - --format png --target merged <piped | "
+            "imgbasic nega /dev/stdin -o twice.png --target merged");
+    EXPECT_EQ(good.out,
+              "standard input: 64 x 64 pixels, 16 bits a channel\n"
+              "LAYER  NAME  PLACE            KIND    OPACITY\n"
+              "0            64 x 64 at 0, 0  normal  100 %\n"
+              "1            64 x 64 at 0, 0  normal  100 %\n"
+              "twice.png\n");
+    EXPECT_EQ(good.err, "");
+    EXPECT_EQ(Pixels("twice.png"), Pixels("in.ora"));
+}
+
+TEST_F(CommandLine, PutsNothingIntoABrokenPipeline) {
+    // More than a pipe holds.
+    SaveDocument(OneLayer(200, 200, 8, RandomDocuments(1).Pixels(40000, 8)), Path("in.png"), {});
+    const struct {
+        const char* command;
+        const char* message;
+    } cases[] = {
+        {"{ imgbasic nega in.png -o -; echo $? >status; } | true; (exit $(cat status))",
+         "(Broken pipe)"},
+        {"imgbasic nega in.png -o - >/dev/full", "(No space left on device)"},
+        {"imgbasic nega in.png -o - >&-", "(Bad file descriptor)"},
+        {"imgbasic list >/dev/full", "standard output: cannot be written"},
+        {"head -c 9999 in.png | imgbasic nega - -o -", "standard input: is damaged"},
+        {"imgbasic nega - -o - </dev/null", "standard input: is empty"},
+        {"imgbasic nega - - -o out/ <in.png", "can be read only once"},
+        {"imgbasic nega - -o out/ <in.png", "has no name"},
+        {"imgbasic nega in.png in.png -o -", "several inputs need a folder"},
+        {"echo P1 1 1 1 | imgbasic nega - -o -", "choose another one with --format"},
+    };
+    for (const auto& test : cases) {
+        const Result result = Run(std::string("{ ") + test.command + "; echo $? >&2; }");
+        EXPECT_EQ(result.out, "") << test.command;
+        EXPECT_THAT(result.err, HasSubstr(test.message)) << test.command;
+        EXPECT_THAT(result.err, testing::Not(testing::EndsWith("\n0\n"))) << test.command;
+    }
 }
 
 TEST_F(CommandLine, ATerminatedRunTakesItsWorkersAlong) {
@@ -145,6 +223,11 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"mono in.png -o x.png --set Threshold=256", 2, "a whole number, 1 to 255"},
         {"nega in.png layers.ora -o x.png", 2, "several inputs need a folder"},
         {"nega in.png other/in.png -o out/", 2, "in.png and other/in.png would both become"},
+        {"nega in.png layers.ora in.ora -o out/ --format png", 2, "in.png and in.ora would both"},
+        {"nega in.png -o x.png --format png", 2, "the ending of x.png says the format"},
+        {"nega in.png -o out/ --format gif", 2, "'gif' is none of png, jpg"},
+        {"nega in.png -o x.jpg --indexed", 2, "--indexed writes PNG"},
+        {"nega in.png layers.ora -o out/ --indexed --format jpg", 2, "--indexed writes PNG"},
         {"nega in.png -o in.png", 1, "in.png: exists already; --force overwrites it"},
         {"nega in.png -o x.xyz", 1, "x.xyz: "},
         {"nega in.png -o no/x.png", 1, "no/x.png: "},
@@ -168,6 +251,14 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"scaling in.png -o x.png --fit 0x9", 2, "'0x9' is no box"},
         {"scaling in.png -o x.png --width 9 --ratio 50", 2, "--ratio excludes --width"},
         {"scaling in.png -o x.png --ratio 99999", 1, "in.png: the new size would be"},
+        {"run nega in.png -o x.png", 2, "run needs its steps in front of --"},
+        {"run nega '' -- in.png -o x.png", 2, "step 2, \"\": there is no filter ''; --help"},
+        {"run nega 'mono --threshold 300' -- in.png -o x.png", 2,
+         "step 2, \"mono --threshold 300\": --threshold: Value 300"},
+        {"run 'nega in.png' -- in.png -o x.png", 2, "not expected: in.png"},
+        {"run nega scaling -- in.png -o x.png", 2, "step 2 (scaling): scaling needs a size"},
+        {"run nega 'nega --layer 1' -- in.png -o x.png", 1, "in.png: step 2 (nega): has no layer"},
+        {"run nega 'scaling --ratio 99999' -- in.png -o x.png", 1, "in.png: step 2 (scaling): the"},
         {"info missing.png", 1, "missing.png: "},
     };
     for (const auto& test : cases) {
@@ -290,7 +381,7 @@ TEST_F(CommandLine, OptionsReachTheFilterInEveryWayOfRunning) {
     WriteImage("b.png", 2);
     const Result result =
         Run("imgbasic mono a.png -o flag.png --target all --threshold 7 &&"
-            "imgbasic mono a.png -o set.png --set TargetType=1 --set Threshold=7 &&"
+            "imgbasic mono --set TargetType=1 --set Threshold=7 a.png -o set.png &&"
             "imgbasic mono a.png b.png -o batch/ --target all --threshold 7 &&"
             "imgbasic mono a.png -o other.png --target all --threshold 200 --quiet");
     EXPECT_EQ(result.status, 0) << result.err;
@@ -364,6 +455,45 @@ TEST_F(CommandLine, ARunInStripsIsTheRunOfTheWhole) {
                   std::get<Layer>(whole.document.items.at(0)).pixels)
             << filter;
     }
+}
+
+TEST_F(CommandLine, RunsSeveralStepsAsSeveralCommandsWould) {
+    const auto pixels = RandomDocuments(1).Pixels(200 * 100, 16);
+    SaveDocument(OneLayer(200, 100, 16, pixels), Path("in.png"), {});
+    Document layered = OneLayer(200, 100, 8, RandomDocuments(2).Pixels(200 * 100, 8));
+    layered.items.push_back(LayerOf(RandomDocuments(3).Pixels(200 * 100, 8), 200, 100));
+    SaveDocument(layered, Path("in.ora"), {});
+    for (const std::string kind : {".png", ".ora"}) {
+        const std::string in = "in" + kind;
+        const Result result =
+            Run("imgbasic gray " + in + " -o 1" + kind + " --method ntsc --target all &&" +
+                "imgbasic scaling 1" + kind + " -o 2" + kind + " --width 77 &&" +
+                "imgbasic nega 2" + kind + " -o 3" + kind + " --layer 0 &&" +
+                "imgbasic col_reduce 3" + kind + " -o 4.png --colors 9 --depth 16 --force && " +
+                "imgbasic run 'gray --method ntsc --target all' ' scaling  --width 77 ' "
+                "'nega --layer 0' 'col_reduce --colors 9' -- " +
+                in + " -o run.png --depth 16 --force --verbose");
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(Bytes("run.png"), Bytes("4.png")) << kind;
+        EXPECT_THAT(result.err, HasSubstr(in + ": scaling, 200 x 100 to 77 x 39 pixels"));
+    }
+}
+
+TEST_F(CommandLine, StepsForgetSamplesAsFilesBetweenThemWould) {
+    Document document = OneLayer(4, 3, 16, std::vector(12, RGBA16{128, 384, 640, kFullScale}));
+    FileMetadata metadata;
+    metadata.width = 4;
+    metadata.height = 3;
+    metadata.lowerSamples.assign(48, true);
+    document.metadata = std::make_shared<FileMetadata>(metadata);
+    SaveDocument(document, Path("in.png"), {});
+    const Result result = Run(
+        "imgbasic scaling in.png -o 1.png --width 8 --interp nearest &&"
+        "imgbasic scaling 1.png -o 2.png --width 4 --interp nearest &&"
+        "imgbasic run 'scaling --width 8 --interp nearest' 'scaling --width 4 --interp nearest' -- "
+        "in.png -o run.png");
+    EXPECT_EQ(Bytes("run.png"), Bytes("2.png")) << result.err;
+    EXPECT_NE(Bytes("run.png"), Bytes("in.png"));
 }
 
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {

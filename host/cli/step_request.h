@@ -1,0 +1,32 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/cli/filter_command.h"
+#include "host/document.h"
+#include "host/driver.h"
+
+namespace imgbasic::host {
+
+/// A fault of one file; the message goes behind the file's name.
+class JobError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What messages call one of several steps, such as "step 2 (mono): "; nothing where there is one.
+std::string StepName(const std::vector<FilterCommand>& steps, size_t index);
+
+/// The command with the options that follow from its flags for the layer and the size. Throws
+/// UsageError when an option is missing.
+FilterCommand Completed(FilterCommand command);
+
+/// What to ask the driver for; `command` is complete, `reference` a batch's object or null.
+/// Throws JobError where the document has no such layer or becomes too large, FileError, which
+/// `name` begins, where the memory does not suffice.
+RunRequest RequestFor(const FilterCommand& command, const Document& document,
+                      const std::string& name, ImageProcess* reference);
+
+}  // namespace imgbasic::host
