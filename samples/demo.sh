@@ -2,6 +2,7 @@
 # Runs every filter over the sample picture and lays the results out on contact sheets.
 # Usage: samples/demo.sh COMMAND_LINE FOLDER
 set -euo pipefail
+unset IMGBASIC_REMEMBERED # the defaults count
 imgbasic=$1
 out=$2
 sample=$(dirname "$0")/landscape.ora

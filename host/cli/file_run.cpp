@@ -8,7 +8,6 @@
 
 #include "host/cli/module_message.h"
 #include "host/cli/picture_change.h"
-#include "host/cli/settings_command.h"
 #include "host/cli/standard_streams.h"
 #include "host/cli/step_request.h"
 #include "host/cli/strip_run.h"
@@ -170,13 +169,6 @@ void FileRun::Save(Document document) {
     }
     for (const std::string& text : told_) {
         report_.Note(text);
-    }
-    for (const FilterCommand& step : plan_.command.steps) {
-        if (step.remember && !AreStored(step.filter, step.options)) {
-            throw JobError(
-                "was filtered, but its options could not be stored; is your configuration folder "
-                "writable?");
-        }
     }
 }
 

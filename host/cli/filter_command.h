@@ -23,11 +23,15 @@ struct FilterCommand {
     uint32_t drawColor = 0x000000;
     uint32_t backColor = 0xFFFFFF;
     std::vector<OptionValue> options;
-    bool remember = false;
-    SizeRequest size;  ///< scaling only
+    bool remembered = false;  ///< start from the stored options
+    bool remember = false;    ///< store the options after the run
+    SizeRequest size;         ///< scaling only
 };
 
 /// Adds the options of `command.filter`, which parsing puts into `command`.
 void AddFilterOptions(CLI::App& app, FilterCommand& command);
+
+/// The same for those options alone that can be stored.
+void AddStoredOptions(CLI::App& app, FilterCommand& command);
 
 }  // namespace imgbasic::host

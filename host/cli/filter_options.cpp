@@ -104,7 +104,7 @@ CLI::Option* AddOption(App& app, const FilterOption& option, const OptionWords& 
 void AddOptions(App& app, FilterCommand& command) {
     for (const OptionWords& words : WordsOf(command.filter).options) {
         const FilterOption& option = *FindOption(command.filter, words.option);
-        if (words.flag.empty() || words.option == kTargetType ||
+        if (words.flag.empty() || words.option == kTargetType || !option.isStored ||
             app.get_option_no_throw(FlagOf(option, words)) != nullptr) {
             continue;
         }
@@ -207,10 +207,16 @@ CLI::Option* AddRatio(App& app, std::string_view name, std::optional<Ratio>& rat
         ->group(kFilterGroup);
 }
 
-void AddSizes(App& app, FilterCommand& command) {
-    SizeRequest& size = command.size;
+/// Returns the flag that can be given alone.
+CLI::Option* AddRatios(App& app, SizeRequest& size) {
     auto* ratio = AddRatio(app, "RatioWidth", size.ratio, ", such as 50, 33.3 or 1/3");
     AddRatio(app, "RatioHeight", size.ratioHeight, "")->needs(ratio);
+    return ratio;
+}
+
+void AddSizes(App& app, FilterCommand& command) {
+    SizeRequest& size = command.size;
+    auto* ratio = AddRatios(app, size);
     auto* fit = app.add_option_function<std::string>(
                        "--fit", [&size](const std::string& text) { ParseBox(text, size.fit); },
                        "The largest size of the same shape inside a box")
@@ -219,29 +225,6 @@ void AddSizes(App& app, FilterCommand& command) {
                     ->excludes(ratio);
     AddSide(app, "newWidth", size.width)->excludes(ratio, fit);
     AddSide(app, "newHeight", size.height)->excludes(ratio, fit);
-}
-
-void AddLayers(App& app, FilterCommand& command) {
-    const std::span<const OptionWords> words = WordsOf(command.filter).options;
-    const auto target = std::ranges::find(words, kTargetType, &OptionWords::option);
-    const bool hasTarget = target != words.end();
-    if (hasTarget) {
-        AddOption(app, *FindOption(command.filter, kTargetType), *target,
-                  [&command](int32_t value) { command.target = value; })
-            ->group(kLayerGroup);
-    }
-    const std::string implied = hasTarget ? "\n(means --target current unless that is given)" : "";
-    const auto position = Between(0, INT32_MAX);
-    auto* layer = app.add_option("--layer", command.layer,
-                                 "The current layer or folder, 0 on top; `imgbasic info` lists "
-                                 "them" +
-                                     implied);
-    layer->check(position)->type_name("N")->group(kLayerGroup);
-    app.add_option("--sub-layer", command.subLayer, "The current layer inside that folder")
-        ->check(position)
-        ->type_name("N")
-        ->group(kLayerGroup)
-        ->needs(layer);
 }
 
 void AddSettings(App& app, FilterCommand& command) {
@@ -264,8 +247,47 @@ void AddSettings(App& app, FilterCommand& command) {
         ->allow_extra_args(false)
         ->type_name("FIELD=N")
         ->group(kFilterGroup);
-    app.add_flag("--remember", command.remember, "Keep these options as the defaults of later runs")
+}
+
+void AddMemory(App& app, FilterCommand& command) {
+    app.add_flag("--remembered", command.remembered,
+                 "Start from the stored options, not from the defaults;\nIMGBASIC_REMEMBERED=1 in "
+                 "the environment does so always")
+        ->envname("IMGBASIC_REMEMBERED")
         ->group(kFilterGroup);
+    app.add_flag("--remember", command.remember, "Store the options of this run")
+        ->group(kFilterGroup);
+}
+
+/// Adds the flag for TargetType, where the filter has it; null otherwise.
+CLI::Option* AddTarget(App& app, FilterCommand& command) {
+    const std::span<const OptionWords> words = WordsOf(command.filter).options;
+    const auto target = std::ranges::find(words, kTargetType, &OptionWords::option);
+    if (target == words.end()) {
+        return nullptr;
+    }
+    return AddOption(app, *FindOption(command.filter, kTargetType), *target,
+                     [&command](int32_t value) { command.target = value; });
+}
+
+void AddLayers(App& app, FilterCommand& command) {
+    CLI::Option* const target = AddTarget(app, command);
+    if (target != nullptr) {
+        target->group(kLayerGroup);
+    }
+    const std::string implied =
+        target != nullptr ? "\n(means --target current unless that is given)" : "";
+    const auto position = Between(0, INT32_MAX);
+    auto* layer = app.add_option("--layer", command.layer,
+                                 "The current layer or folder, 0 on top; `imgbasic info` lists "
+                                 "them" +
+                                     implied);
+    layer->check(position)->type_name("N")->group(kLayerGroup);
+    app.add_option("--sub-layer", command.subLayer, "The current layer inside that folder")
+        ->check(position)
+        ->type_name("N")
+        ->group(kLayerGroup)
+        ->needs(layer);
 }
 
 /// What a filter's command has besides its options.
@@ -294,12 +316,24 @@ void AddFilterOptions(CLI::App& app, FilterCommand& command) {
     AddExtras(kExtrasBehind, app, command);
     if (!OptionsOf(command.filter).empty()) {
         AddSettings(app, command);
+        AddMemory(app, command);
     }
     // Another size is every layer's.
     if (!std::ranges::find(kFilterRows, command.filter, &FilterRow::name)->changesSize) {
         AddLayers(app, command);
     }
     app.parse_complete_callback([&] { RefuseIneffective(app, command); });
+}
+
+void AddStoredOptions(CLI::App& app, FilterCommand& command) {
+    if (command.filter == "scaling") {
+        AddRatios(app, command.size);
+    }
+    AddOptions(app, command);
+    if (CLI::Option* const target = AddTarget(app, command)) {
+        target->group(kFilterGroup);
+    }
+    AddSettings(app, command);
 }
 
 }  // namespace imgbasic::host

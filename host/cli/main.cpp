@@ -54,10 +54,16 @@ class HelpLayout : public CLI::Formatter {
             usage += " STEP... -- IN... -o OUT [OPTIONS]";
         } else if (app->get_option_no_throw("IN") != nullptr) {
             usage += " IN... -o OUT [OPTIONS]";
+        } else if (app->get_option_no_throw("FILTER") != nullptr) {
+            usage += " [FILTER]";
         } else if (app->get_option_no_throw("FILE") != nullptr) {
             usage += " FILE";
         } else if (app->get_parent() == nullptr) {
             usage += " [--module FILE] COMMAND ...";
+        } else if (!app->get_subcommands({}).empty()) {
+            usage += app->get_name() == "set" ? " FILTER OPTIONS" : " COMMAND ...";
+        } else if (app->get_parent()->get_name() == "set") {
+            usage += " OPTIONS";
         }
         return usage + "\n";
     }
@@ -125,20 +131,7 @@ int Run(int argc, char** argv) {
     info->add_option("FILE", file, "An image")->required()->type_name("");
     info->footer("");
     info->callback([&] { ShowFile(file); });
-    std::string filter;
-    auto* settings = app.add_subcommand("settings", "Show the options that are stored for you");
-    const auto* reset =
-        settings->add_option("--reset", filter, "Remove what is stored, of one filter or of all")
-            ->type_name("[FILTER]")
-            ->expected(0, 1);
-    settings->footer("");
-    settings->callback([&] {
-        if (reset->count() > 0) {
-            ResetSettings(filter);
-        } else {
-            ShowSettings();
-        }
-    });
+    AddSettingsCommand(app);
     AddGeneratedTexts(app);
 
     try {

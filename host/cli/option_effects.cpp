@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "plugin/imgbasic/filters.h"
-#include "plugin/imgbasic/settings.h"
+#include "host/cli/stored_options.h"
 
 namespace imgbasic::host {
 namespace {
@@ -38,13 +37,12 @@ constexpr Need kNeeds[] = {
 int32_t EffectiveValue(const FilterCommand& command, std::string_view name) {
     const FilterOption& option = *FindOption(command.filter, name);
     int32_t value = option.initial;
-    const auto* const row = std::ranges::find(kFilterRows, command.filter, &FilterRow::name);
-    for (const StoredNumber& stored : ListSettings(*row)) {
-        if (stored.name == name) {
-            value = static_cast<int32_t>(stored.number);
-        }
+    std::vector<OptionValue> options;
+    if (command.remembered) {
+        options = StoredOptions(command.filter);
     }
-    for (const OptionValue& given : command.options) {
+    options.insert(options.end(), command.options.begin(), command.options.end());
+    for (const OptionValue& given : options) {
         value = given.option == &option ? given.value : value;
     }
     if (name == "TargetType" && (command.target || command.layer)) {

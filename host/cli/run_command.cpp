@@ -5,8 +5,10 @@
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/file_run.h"
+#include "host/cli/opaque_defaults.h"
 #include "host/cli/report.h"
 #include "host/cli/step_request.h"
+#include "host/cli/stored_options.h"
 #include "host/cli/worker_pool.h"
 
 namespace imgbasic::host {
@@ -28,9 +30,7 @@ std::vector<FilterObject> BatchesFor(const Module& module, const RunCommand& com
     std::vector<FilterObject> batches(command.steps.size());
     for (size_t index = 0; index < batches.size(); ++index) {
         const FilterCommand& step = command.steps[index];
-        // A batch's object never asks the host for a run, so it has no chance to take new options
-        // in before it stores them.
-        if (files < 2 || step.remember || !module.isBatchEnable(step.filter.c_str())) {
+        if (files < 2 || !module.isBatchEnable(step.filter.c_str())) {
             continue;
         }
         bool cancelled = false;
@@ -40,6 +40,31 @@ std::vector<FilterObject> BatchesFor(const Module& module, const RunCommand& com
         }
     }
     return batches;
+}
+
+/// Stores what the steps ran with where they ask for it; false when that failed, which is reported.
+bool Remember(const std::vector<FilterCommand>& steps, const Report& report) {
+    bool stored = true;
+    for (const FilterCommand& step : steps) {
+        if (!step.remember) {
+            continue;
+        }
+        std::vector<OptionValue> options;
+        for (const FilterOption& option : OptionsOf(step.filter)) {
+            // What depends on the picture is not this one's for all.
+            if (!OpaqueDefault(option.name)) {
+                options.push_back({&option, option.initial});
+            }
+        }
+        options.insert(options.end(), step.options.begin(), step.options.end());
+        try {
+            StoreOptions(step.filter, options);
+        } catch (const std::runtime_error& fault) {
+            report.Error(fault.what());
+            stored = false;
+        }
+    }
+    return stored;
 }
 
 }  // namespace
@@ -59,7 +84,8 @@ bool RunFilters(const Module& module, RunCommand command) {
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
         report.Summary(jobs.size(), failed, time.count());
     }
-    return failed == 0;
+    const bool stored = failed == jobs.size() || Remember(plan.command.steps, report);
+    return failed == 0 && stored;
 }
 
 }  // namespace imgbasic::host

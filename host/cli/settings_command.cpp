@@ -1,78 +1,152 @@
 #include "host/cli/settings_command.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <map>
-#include <stdexcept>
-#include <string_view>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "host/cli/file_jobs.h"
+#include "host/cli/filter_command.h"
+#include "host/cli/opaque_defaults.h"
+#include "host/cli/step_request.h"
+#include "host/cli/stored_options.h"
 #include "host/cli/text_table.h"
+#include "host/filter_words.h"
 #include "plugin/imgbasic/filters.h"
-#include "plugin/imgbasic/settings.h"
 
 namespace imgbasic::host {
 namespace {
 
-std::vector<const FilterRow*> StoringFilters() {
-    std::vector<const FilterRow*> filters;
+/// The filters that store something: all of them, or the one that is named. Throws UsageError.
+std::vector<std::string> StoringFilters(const std::string& name) {
+    std::vector<std::string> filters;
+    std::string known;
     for (const FilterRow& row : kFilterRows) {
-        if (!row.options.empty()) {
-            filters.push_back(&row);
+        if (row.options.empty()) {
+            continue;
         }
+        known.append(known.empty() ? "" : ", ").append(row.name);
+        if (name.empty() || name == row.name) {
+            filters.emplace_back(row.name);
+        }
+    }
+    if (filters.empty()) {
+        throw UsageError("'" + name + "' is no filter with stored options; those are " + known);
     }
     return filters;
 }
 
-}  // namespace
+/// What to write on the command line for the value; nothing where it needs no word.
+std::string FlagText(const OptionValue& stored, const OptionWords& words) {
+    const FilterOption& option = *stored.option;
+    const std::string value = std::to_string(stored.value);
+    const bool isDefault = stored.value == option.initial;
+    if (words.flag.empty()) {
+        return isDefault ? "" : std::string(" --set ") + option.name + "=" + value;
+    }
+    if (option.kind == OptionKind::Number) {
+        return " " + FlagOf(option, words) + " " + value;
+    }
+    if (option.kind == OptionKind::Choice) {
+        const auto& choice = words.choices[static_cast<size_t>(stored.value)];
+        return " " + FlagOf(option, words) + " " + std::string(choice.word);
+    }
+    if (!isDefault) {
+        return " " + FlagOf(option, words);
+    }
+    return OpaqueDefault(option.name) ? " --" + std::string(words.flag) : "";
+}
 
-void ShowSettings() {
-    std::vector<TextRow> rows{{"FILTER", "OPTION", "STORED"}};
-    for (const FilterRow* filter : StoringFilters()) {
-        for (const StoredNumber& value : ListSettings(*filter)) {
-            rows.push_back({filter->name, value.name, std::to_string(value.number)});
+/// The stored options of a filter as flags; empty when nothing is stored.
+std::string FlagsText(const std::string& filter) {
+    const std::vector<OptionValue> stored = StoredOptions(filter);
+    const bool byRatio = HasStoredRatio(stored);
+    std::string text;
+    for (const OptionValue& value : stored) {
+        const std::string_view name = value.option->name;
+        const bool isRatio = name == "RatioWidth" || name == "RatioHeight";
+        if (isRatio ? !byRatio : name == "RatioSize") {
+            continue;  // RatioSize is what the flags of a ratio imply
+        }
+        text += FlagText(value,
+                         *std::ranges::find(WordsOf(filter).options, name, &OptionWords::option));
+    }
+    return text.substr(text.empty() ? 0 : 1);
+}
+
+void Show(const std::string& name) {
+    std::vector<TextRow> rows{{"FILTER", "STORED"}};
+    for (const std::string& filter : StoringFilters(name)) {
+        if (!StoredOptions(filter).empty()) {
+            rows.push_back({filter, FlagsText(filter)});
         }
     }
     const bool any = rows.size() > 1;
     std::fputs(any ? AlignColumns(rows).c_str() : "Nothing is stored.\n", stdout);
 }
 
-bool AreStored(const std::string& filter, std::span<const OptionValue> options) {
-    std::map<std::string_view, uint32_t> missing;
-    for (const OptionValue& given : options) {
-        if (given.option->isStored) {
-            missing[given.option->name] = static_cast<uint32_t>(given.value);
+void Set(const FilterCommand& given) {
+    const FilterCommand command = WithFlagOptions(given);
+    if (given.size.ratio && !HasStoredRatio(command.options)) {
+        throw UsageError("a ratio that is stored is a whole percentage, such as 50");
+    }
+    if (command.options.empty()) {
+        throw UsageError("settings set " + command.filter + " needs an option; --help lists them");
+    }
+    for (const auto& [option, value] : command.options) {
+        if (!option->isStored) {
+            throw UsageError(std::string(option->name) + " is not stored; give it to every run");
         }
     }
-    const auto* const row = std::ranges::find(kFilterRows, filter, &FilterRow::name);
-    for (const StoredNumber& value : ListSettings(*row)) {
-        const auto given = missing.find(value.name);
-        if (given != missing.end() && given->second == value.number) {
-            missing.erase(given);
-        }
-    }
-    return missing.empty();
+    StoreOptions(command.filter, command.options);
 }
 
-void ResetSettings(const std::string& filter) {
-    std::string names;
-    for (const FilterRow* row : StoringFilters()) {
-        names.append(names.empty() ? "" : ", ").append(row->name);
+/// Throws UsageError when none of the commands in `app` was given.
+void RequireCommand(const CLI::App& app, const std::string& choice) {
+    if (app.get_subcommands().empty()) {
+        throw UsageError(app.get_name() + " needs " + choice + "; --help tells more");
     }
-    bool found = filter.empty();
-    for (const FilterRow* row : StoringFilters()) {
-        if (!filter.empty() && filter != row->name) {
-            continue;
+}
+
+void AddSet(CLI::App& settings) {
+    CLI::App* set = settings.add_subcommand("set", "Store options of a filter");
+    set->require_subcommand(0, 1);
+    set->footer("");
+    set->callback([set] { RequireCommand(*set, "a filter"); });
+    for (const std::string& filter : StoringFilters("")) {
+        CLI::App* subcommand = set->add_subcommand(filter, std::string(WordsOf(filter).summary));
+        const auto command = std::make_shared<FilterCommand>();
+        command->filter = filter;
+        AddStoredOptions(*subcommand, *command);
+        subcommand->footer("");
+        subcommand->callback([command] { Set(*command); });
+    }
+}
+
+}  // namespace
+
+void AddSettingsCommand(CLI::App& app) {
+    CLI::App* settings = app.add_subcommand(
+        "settings", "Show or change the options that --remembered starts runs from");
+    settings->require_subcommand(0, 1);
+    settings->footer("");
+    settings->callback([settings] { RequireCommand(*settings, "show, set or reset"); });
+    const auto filter = std::make_shared<std::string>();
+    CLI::App* show = settings->add_subcommand("show", "Show what is stored, of one filter or all");
+    show->footer("");
+    show->add_option("FILTER", *filter, "One filter")->type_name("");
+    show->callback([filter] { Show(*filter); });
+    AddSet(*settings);
+    CLI::App* reset = settings->add_subcommand("reset", "Remove what is stored, of one or all");
+    reset->footer("");
+    reset->add_option("FILTER", *filter, "One filter")->type_name("");
+    reset->callback([filter] {
+        for (const std::string& stored : StoringFilters(*filter)) {
+            RemoveStoredOptions(stored);
         }
-        found = true;
-        if (!RemoveFromStore(row->name)) {
-            throw std::runtime_error(std::string("the stored options of ") + row->name +
-                                     " cannot be removed; is your configuration folder writable?");
-        }
-    }
-    if (!found) {
-        throw UsageError("'" + filter + "' is no filter with stored options; those are " + names);
-    }
+    });
 }
 
 }  // namespace imgbasic::host

@@ -1,13 +1,25 @@
 #include "host/cli/step_request.h"
 
 #include <optional>
+#include <string_view>
+#include <utility>
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/opaque_defaults.h"
+#include "host/cli/stored_options.h"
 #include "host/memory_limit.h"
 
 namespace imgbasic::host {
 namespace {
+
+/// The last value of an option; nothing where it has none.
+std::optional<int32_t> ValueAmong(std::span<const OptionValue> options, std::string_view name) {
+    std::optional<int32_t> found;
+    for (const auto& [option, value] : options) {
+        found = option->name == name ? value : found;
+    }
+    return found;
+}
 
 LayerPosition CurrentPosition(const FilterCommand& command, const Document& document) {
     const LayerPosition position{command.layer.value_or(0), command.subLayer.value_or(-1)};
@@ -39,11 +51,12 @@ std::string StepName(const std::vector<FilterCommand>& steps, size_t index) {
                : "step " + std::to_string(index + 1) + " (" + steps[index].filter + "): ";
 }
 
-FilterCommand Completed(FilterCommand command) {
+bool HasStoredRatio(std::span<const OptionValue> options) {
+    return ValueAmong(options, "RatioSize") == 1;
+}
+
+FilterCommand WithFlagOptions(FilterCommand command) {
     const SizeRequest& size = command.size;
-    if (command.filter == "scaling" && size.IsEmpty()) {
-        throw UsageError("scaling needs a size: --ratio, --fit, --width or --height");
-    }
     if (command.layer && !command.target && FindOption(command.filter, "TargetType") != nullptr) {
         command.target = CurrentLayer;
     }
@@ -67,6 +80,26 @@ FilterCommand Completed(FilterCommand command) {
     return command;
 }
 
+FilterCommand Completed(FilterCommand command) {
+    std::vector<OptionValue> stored;
+    if (command.remembered) {
+        stored = StoredOptions(command.filter);
+    }
+    if (command.size.IsEmpty() && HasStoredRatio(stored)) {
+        command.size.ratio = Ratio{ValueAmong(stored, "RatioWidth").value_or(100), 100};
+        command.size.ratioHeight = Ratio{ValueAmong(stored, "RatioHeight").value_or(100), 100};
+    }
+    if (command.filter == "scaling" && command.size.IsEmpty()) {
+        throw UsageError("scaling needs a size: --ratio, --fit, --width or --height");
+    }
+    command = WithFlagOptions(std::move(command));
+    if (!command.target) {
+        command.target = ValueAmong(stored, "TargetType");
+    }
+    command.options.insert(command.options.begin(), stored.begin(), stored.end());
+    return command;
+}
+
 RunRequest RequestFor(const FilterCommand& command, const Document& document,
                       const std::string& name, ImageProcess* reference) {
     RunRequest request{.filter = command.filter,
@@ -74,12 +107,7 @@ RunRequest RequestFor(const FilterCommand& command, const Document& document,
                        .drawColor = command.drawColor,
                        .backColor = command.backColor,
                        .reference = reference,
-                       .rememberOptions = command.remember};
-    if (reference != nullptr) {
-        request.options = ReadOptions(command.filter, *reference);
-    }
-    const std::vector<OptionValue> defaults = OpaqueDefaults(command.filter, document);
-    request.options.insert(request.options.end(), defaults.begin(), defaults.end());
+                       .options = OpaqueDefaults(command.filter, document)};
     request.options.insert(request.options.end(), command.options.begin(), command.options.end());
     if (!command.size.IsEmpty()) {
         const PixelSize size = ScaledSize(command.size, {document.width, document.height});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -19,8 +20,14 @@ class JobError : public std::runtime_error {
 /// What messages call one of several steps, such as "step 2 (mono): "; nothing where there is one.
 std::string StepName(const std::vector<FilterCommand>& steps, size_t index);
 
-/// The command with the options that follow from its flags for the layer and the size. Throws
-/// UsageError when an option is missing.
+/// Whether the size is to be that of the percentages among the options.
+bool HasStoredRatio(std::span<const OptionValue> options);
+
+/// The command with the options that follow from its flags for the layer and the size.
+FilterCommand WithFlagOptions(FilterCommand command);
+
+/// The same, on top of what is stored where the run starts from that. Throws UsageError when an
+/// option is missing.
 FilterCommand Completed(FilterCommand command);
 
 /// What to ask the driver for; `command` is complete, `reference` a batch's object or null.

@@ -19,14 +19,15 @@ struct Result {
     std::string err;
 };
 
-/// Runs the program in the test's folder. Runs name their target, so that what this user's module
-/// remembers plays no part.
+/// Runs the program in the test's folder, with a home there.
 class CommandLine : public FileTest {
   protected:
     Result Run(const std::string& arguments) const {
         static const std::string program =
             std::filesystem::read_symlink("/proc/self/exe").parent_path() / "imgbasic";
-        const std::string command = "cd '" + Path("").string() + "' && { " + arguments + "; }";
+        const std::string command = "export HOME='" + Path("home").string() +
+                                    "'; unset XDG_CONFIG_HOME IMGBASIC_REMEMBERED; cd '" +
+                                    Path("").string() + "' && { " + arguments + "; }";
         const std::string shell = "program='" + program +
                                   "'; imgbasic() { \"$program\" \"$@\"; }; { " + command +
                                   "; } 2>'" + ErrorPath() + "'";
@@ -259,6 +260,14 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"run nega scaling -- in.png -o x.png", 2, "step 2 (scaling): scaling needs a size"},
         {"run nega 'nega --layer 1' -- in.png -o x.png", 1, "in.png: step 2 (nega): has no layer"},
         {"run nega 'scaling --ratio 99999' -- in.png -o x.png", 1, "in.png: step 2 (scaling): the"},
+        {"settings", 2, "settings needs show, set or reset"},
+        {"settings set", 2, "set needs a filter"},
+        {"settings set mono", 2, "settings set mono needs an option"},
+        {"settings set mono --threshold 256", 2, "--threshold: Value 256"},
+        {"settings set scaling --ratio 33.3", 2, "a whole percentage"},
+        {"settings set scaling --set newWidth=3", 2, "newWidth is not stored"},
+        {"settings show chan_merge", 2, "no filter with stored options; those are gray, mono"},
+        {"settings reset sepia", 2, "no filter with stored options"},
         {"info missing.png", 1, "missing.png: "},
     };
     for (const auto& test : cases) {
@@ -494,6 +503,46 @@ TEST_F(CommandLine, StepsForgetSamplesAsFilesBetweenThemWould) {
         "in.png -o run.png");
     EXPECT_EQ(Bytes("run.png"), Bytes("2.png")) << result.err;
     EXPECT_NE(Bytes("run.png"), Bytes("in.png"));
+}
+
+TEST_F(CommandLine, StartsFromStoredOptionsOnlyWhereAsked) {
+    WriteImage("a.png", 1);
+    WriteImage("b.png", 2);
+    EXPECT_EQ(Run("imgbasic mono a.png -o default.png && imgbasic gray a.png -o x.png --quiet && "
+                  "ls -A home; imgbasic settings set mono --threshold 7 && imgbasic settings set "
+                  "gray --method red --target all --set ColorMode=2 && imgbasic settings set "
+                  "col_reduce --share-palette && imgbasic settings set scaling --ratio 50 && "
+                  "imgbasic settings show && imgbasic settings reset col_reduce && "
+                  "XDG_CONFIG_HOME=$HOME/.config imgbasic settings show mono && "
+                  "XDG_CONFIG_HOME=$HOME imgbasic settings show")
+                  .out,
+              "default.png\n"
+              "FILTER      STORED\n"
+              "gray        --method red --tint green --target all\n"
+              "mono        --threshold 7\n"
+              "col_reduce  --share-palette\n"
+              "scaling     --ratio 50 --ratio-height 50\n"
+              "FILTER  STORED\nmono    --threshold 7\n"
+              "Nothing is stored.\n");
+    const Result runs = Run(
+        "imgbasic mono a.png -o 1/ && imgbasic mono a.png -o 7.png --threshold 7 && "
+        "imgbasic mono a.png -o 2/ --remembered && IMGBASIC_REMEMBERED=1 imgbasic mono a.png b.png "
+        "-o 3/ --jobs 2 && imgbasic gray a.png b.png -o 4/ --remembered && imgbasic gray a.png -o "
+        "gray.png --method red --tint green && imgbasic scaling a.png -o half.png --remembered && "
+        "imgbasic info half.png && imgbasic run nega 'mono --threshold 9 --remember' -- a.png "
+        "missing.png -o 5/; imgbasic settings show mono; "
+        "HOME=/dev/null imgbasic mono a.png -o kept.png --remember --threshold 8; echo $?; "
+        "imgbasic settings show mono; imgbasic settings reset; imgbasic settings show");
+    EXPECT_EQ(Bytes("1/a.png"), Bytes("default.png"));
+    EXPECT_EQ(Bytes("2/a.png"), Bytes("7.png"));
+    EXPECT_EQ(Bytes("3/a.png"), Bytes("7.png"));
+    EXPECT_EQ(Bytes("4/a.png"), Bytes("gray.png"));
+    EXPECT_THAT(runs.out, HasSubstr("half.png: 6 x 4 pixels"));
+    const std::string nine = "FILTER  STORED\nmono    --threshold 9 --target merged\n";
+    EXPECT_THAT(runs.out, testing::EndsWith("5/a.png\n" + nine + "kept.png\n1\n" + nine +
+                                            "Nothing is stored.\n"));
+    EXPECT_THAT(runs.err,
+                HasSubstr("/dev/null/.config/imgbasic/settings.reg: the options of mono"));
 }
 
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {

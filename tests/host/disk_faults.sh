@@ -4,7 +4,7 @@
 # Usage: disk_faults.sh FOLDER_OF_THE_PROGRAMS; the exit status is 77 where that cannot be tried.
 set -euo pipefail
 
-# Disks of its own, and a home of its own for the remembered options, in a mount namespace.
+# Disks of its own, in a mount namespace.
 if [ "${2:-}" != inside ]; then
     script=$(realpath "$0")
     programs=$(realpath "$1")
@@ -26,8 +26,8 @@ sample=$(realpath "$(dirname "$0")/../../samples/landscape.ora")
 mount -t tmpfs imgbasic "$room"
 cd "$room"
 mkdir home disk full
-echo "root:x:0:0::$room/home:/bin/sh" >passwd
-mount --bind passwd /etc/passwd
+export HOME=$room/home
+unset XDG_CONFIG_HOME IMGBASIC_REMEMBERED
 settings=home/.config/imgbasic/settings.reg
 output=disk/out.png
 
@@ -105,28 +105,30 @@ for named in '' FAULT_NAMED=1; do
     rm disk/new.png
 done
 
-# The remembered options: the module stores them before the output is written.
-remember() {
-    expect "$1" "$2" "${@:4}" mono "$sample" -o "$output" --target merged --force \
-        --threshold "$3" --remember
+# The stored options.
+store() {
+    expect "$1" "$2" "${@:4}" settings set mono --threshold "$3"
 }
-remember 0 '' 7
-grep -q 'Threshold"=dword:00000007' "$settings" || fail "the options are not remembered"
-cp "$settings" remembered
-remember 137 '' 8 FAULT_DIE_BY=9
-cmp "$settings" remembered || fail "a killed save cost the remembered options"
-remember 0 '' 7
-remember 0 '' 9 FAULT_INTERRUPT=1
+store 0 '' 7
+grep -q 'Threshold"=dword:00000007' "$settings" || fail "the options are not stored"
+cp "$settings" stored
+store 137 '' 8 FAULT_DIE_BY=9
+cmp "$settings" stored || fail "a killed save cost the stored options"
+store 0 '' 7
+store 0 '' 9 FAULT_INTERRUPT=1
 holds "$(dirname "$settings")" settings.reg
-cp "$settings" remembered
+cp "$settings" stored
 mount -t tmpfs -o size=16k imgbasic home/.config
 mkdir home/.config/imgbasic
-cp remembered "$settings"
+cp stored "$settings"
 dd if=/dev/zero of=home/.config/filling 2>/dev/null || true
-remember 1 'options could not be stored' 10
-cmp "$settings" remembered || fail "a full disk cost the remembered options"
+store 1 'options of mono could not be stored' 10
+cmp "$settings" stored || fail "a full disk cost the stored options"
+rm "$output"
+expect 1 'options of mono could not be stored' mono "$sample" -o "$output" --remember
+holds disk out.png
 mount -o remount,ro home/.config
-remember 1 'options could not be stored' 11
-remember 0 '' 9
-expect 1 'cannot be removed' settings --reset
+store 1 'options of mono could not be stored' 11
+store 0 '' 9
+expect 1 'could not be removed' settings reset
 holds "$(dirname "$settings")" settings.reg
