@@ -1,13 +1,9 @@
 #include "fuzz/openraster_check.h"
-
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "host/image_file.h"
@@ -23,26 +19,10 @@ using Bytes = std::vector<std::byte>;
 constexpr int64_t kLargestArea = 4096;
 constexpr size_t kMostLayers = 30;
 
-/// A file without a place on a disk.
-class MemoryFile {
-  public:
-    explicit MemoryFile(std::span<const std::byte> bytes) {
-        std::ofstream(path_, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
-    }
-    ~MemoryFile() { close(descriptor_); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    Document Read(Detail detail) const {
-        std::vector<std::string> notes;
-        return ReadOpenRaster(path_, detail, notes);
-    }
-
-  private:
-    int descriptor_ = memfd_create("archive", MFD_CLOEXEC);
-    std::string path_ = "/proc/self/fd/" + std::to_string(descriptor_);
-};
+Document Read(Bytes archive, Detail detail) {
+    std::vector<std::string> notes;
+    return ReadOpenRaster(ZipReader("archive", std::move(archive)), "archive", detail, notes);
+}
 
 Bytes Packed(std::span<const std::byte> stack) {
     const auto png = [](int32_t width, int32_t height, int bitDepth) {
@@ -114,8 +94,8 @@ void Change(std::vector<Item>& items, int32_t width, int32_t height) {
 }
 
 bool ComesBack(const Document& document) {
-    const MemoryFile file(EncodeOpenRaster(document, document.bitDepth, "fuzz"));
-    const Document again = file.Read(Detail::Everything);
+    const Document again =
+        Read(EncodeOpenRaster(document, document.bitDepth, "fuzz"), Detail::Everything);
     return again.width == document.width && again.height == document.height &&
            again.bitDepth == document.bitDepth &&
            std::ranges::equal(again.items, document.items, IsSame);
@@ -126,13 +106,13 @@ bool ComesBack(const Document& document) {
 std::string CheckOpenRaster(std::span<const uint8_t> data) {
     const auto bytes = std::as_bytes(data);
     const bool isArchive = data.size() > 1 && data[0] == 'P' && data[1] == 'K';
-    const MemoryFile file(isArchive ? Bytes(bytes.begin(), bytes.end()) : Packed(bytes));
+    const Bytes archive(isArchive ? Bytes(bytes.begin(), bytes.end()) : Packed(bytes));
     Document document;
     try {
-        if (!IsSmallDocument(file.Read(Detail::Outline))) {
+        if (!IsSmallDocument(Read(archive, Detail::Outline))) {
             return "";
         }
-        document = file.Read(Detail::Everything);
+        document = Read(archive, Detail::Everything);
     } catch (const FileError&) {
         return "";
     }
