@@ -47,7 +47,8 @@ std::string ValueCase(const std::string& command, const CLI::Option& option) {
     }
     std::string patterns;
     for (const std::string& flag : flags) {
-        patterns.append(patterns.empty() ? "" : "|").append("'" + command + " " + flag + "'");
+        patterns.append(patterns.empty() ? "'" : "|'").append(command).append(" ").append(flag);
+        patterns += '\'';
     }
     return "        " + patterns + ") words='" + Joined(WordsOfFlag(command, flags.back())) +
            "' isValue=1 ;;\n";

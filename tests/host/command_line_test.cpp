@@ -545,6 +545,19 @@ TEST_F(CommandLine, StartsFromStoredOptionsOnlyWhereAsked) {
                 HasSubstr("/dev/null/.config/imgbasic/settings.reg: the options of mono"));
 }
 
+TEST_F(CommandLine, VerboseMeasuresWhatIsVisibleOfAReduction) {
+    // Two opaque colours that are kept, and others that nobody sees.
+    std::vector<RGBA16> pixels(64, RGBA16{kFullScale, 0, 0, kFullScale});
+    for (uint16_t i = 0; i < 32; ++i) {
+        pixels[i] = i < 16 ? RGBA16{0, 0, 0, kFullScale}
+                           : RGBA16{static_cast<uint16_t>(i * 0x700), 0x1000, 0x9000, 0};
+    }
+    SaveDocument(OneLayer(8, 8, 8, pixels), Path("in.png"), {});
+    const Result result =
+        Run("imgbasic col_reduce in.png -o out.png --colors 200 --dither none --verbose");
+    EXPECT_THAT(result.err, HasSubstr("3 colours, mean squared error 0.000"));
+}
+
 TEST_F(CommandLine, ListsTheFiltersAsTheModuleTellsThem) {
     const std::string list = Run("imgbasic list").out;
     EXPECT_THAT(list,
