@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "host/cli/command_tree.h"
+
 namespace imgbasic::host {
 namespace {
 
@@ -50,8 +52,8 @@ std::string Question(const std::string& meant) {
 
 std::vector<std::string> CommandNames(const CLI::App& app) {
     std::vector<std::string> commands;
-    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-        commands.push_back(command->get_name());
+    for (const NamedCommand& command : CommandsOf(app)) {
+        commands.push_back(command.name);
     }
     return commands;
 }
