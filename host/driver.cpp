@@ -104,7 +104,6 @@ RunOutcome ActiveRun::RunOnce() {
     const bool done = run.Run();
     RunOutcome outcome{.status = done ? RunStatus::Done : RunStatus::NothingToDo,
                        .document = {},
-                       .options = ReadOptions(request_.filter, *object_),
                        .points = request_.points};
     if (done || consumed_ != nullptr) {
         outcome.document = run.TakeDocument();

@@ -47,10 +47,9 @@ enum class RunStatus {
 
 struct RunOutcome {
     RunStatus status = RunStatus::NothingToDo;
-    std::string fault{};                 ///< for people; of Failed only
-    Document document{};                 ///< the changed document; of Done only, but see RunFilter
-    std::vector<OptionValue> options{};  ///< all of the filter's, as they were for the run
-    double scaleX = 1;                   ///< by how much brushes grow with the picture
+    std::string fault{};  ///< for people; of Failed only
+    Document document{};  ///< the changed document; of Done only, but see RunFilter
+    double scaleX = 1;    ///< by how much brushes grow with the picture
     double scaleY = 1;
     std::vector<DocumentPoint> points{};  ///< where the request's points are now
 };

@@ -65,14 +65,6 @@ std::string RangeText(const FilterOption& option) {
     return std::to_string(option.least) + " to " + std::to_string(option.most);
 }
 
-std::vector<OptionValue> ReadOptions(std::string_view filter, const ImageProcess& object) {
-    std::vector<OptionValue> values;
-    for (const FilterOption& option : OptionsOf(filter)) {
-        values.push_back({&option, option.get(object)});
-    }
-    return values;
-}
-
 std::vector<OptionValue> ExchangeOptions(ImageProcess& object,
                                          std::span<const OptionValue> values) {
     std::vector<OptionValue> before;

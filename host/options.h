@@ -32,9 +32,6 @@ OptionValue ParseOption(std::string_view filter, const std::string& text);
 /// "1 to 255".
 std::string RangeText(const FilterOption& option);
 
-/// The values of all options of an object of `filter`.
-std::vector<OptionValue> ReadOptions(std::string_view filter, const ImageProcess& object);
-
 /// Sets the options in order and returns what they were before, so that setting those again undoes
 /// it.
 std::vector<OptionValue> ExchangeOptions(ImageProcess& object, std::span<const OptionValue> values);

@@ -35,6 +35,9 @@ std::vector<NamedCommand> CommandsOf(const CLI::App& app) {
 
 std::vector<std::string> FlagsOf(const CLI::Option& option) {
     std::vector<std::string> flags;
+    if (option.get_group().empty()) {
+        return flags;
+    }
     for (const std::string& name : option.get_snames()) {
         flags.push_back("-" + name);
     }

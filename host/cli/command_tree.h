@@ -25,7 +25,8 @@ struct NamedCommand {
 /// All commands below `app`, those inside others included, but for the hidden ones.
 std::vector<NamedCommand> CommandsOf(const CLI::App& app);
 
-/// An option's spellings, such as "-o" and "--output"; none for what is told by its place.
+/// An option's spellings, such as "-o" and "--output"; none for what is told by its place
+/// and for the hidden ones.
 std::vector<std::string> FlagsOf(const CLI::Option& option);
 
 /// A page for man, in its language.

@@ -106,7 +106,7 @@ std::string CommandEntry(const NamedCommand& command, std::span<const CLI::Optio
     for (const CLI::Option* option : app.get_options()) {
         const bool isShared = std::ranges::any_of(
             shared, [&](const CLI::Option* other) { return KeyOf(*other) == KeyOf(*option); });
-        if (!isShared && option->get_name() != "--help") {
+        if (!isShared && !option->get_group().empty() && option->get_name() != "--help") {
             entry += OptionEntry(*option);
         }
     }

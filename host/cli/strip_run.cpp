@@ -37,10 +37,8 @@ Document StripOf(const Document& document, const Layer& layer, int32_t top, int3
 }  // namespace
 
 bool CanRunInStrips(const Document& document, const RunRequest& request) {
-    // What is remembered is stored once a run.
     const bool isPossible =
-        std::ranges::find(kPointFilters, request.filter) != std::end(kPointFilters) &&
-        !request.rememberOptions;
+        std::ranges::find(kPointFilters, request.filter) != std::end(kPointFilters);
     const Layer* const layer = isPossible ? WholePicture(document) : nullptr;
     return layer != nullptr && layer->bounds == PixelRect{0, 0, document.width, document.height};
 }
@@ -51,12 +49,10 @@ RunOutcome RunInStrips(const Module& module, Document&& document, const RunReque
     auto& layer = std::get<Layer>(result.items.front());
     const size_t rowSize = static_cast<size_t>(result.width) * sizeof(RGBA16);
     const auto rows = static_cast<int32_t>(std::max<size_t>(kStripSize / rowSize, 1));
-    RunRequest stripRequest = request;
-    FilterObject batch;
     RunOutcome outcome;
     for (int32_t top = 0; top < result.height; top += rows) {
         const int32_t height = std::min(rows, result.height - top);
-        outcome = RunFilter(module, StripOf(result, layer, top, height), stripRequest);
+        outcome = RunFilter(module, StripOf(result, layer, top, height), request);
         if (outcome.status != RunStatus::Done) {
             break;
         }
@@ -65,14 +61,6 @@ RunOutcome RunInStrips(const Module& module, Document&& document, const RunReque
         if (top + height == result.height) {
             layer.Attributes() = part.Attributes();
             layer.origin = part.origin;
-        }
-        // With another object's options given, the module does not look for stored ones again,
-        // which may change meanwhile.
-        stripRequest.options = outcome.options;
-        if (stripRequest.reference == nullptr && top + height < result.height) {
-            bool ignored = false;
-            batch = PrepareBatch(module, request.filter, nullptr, ignored);
-            stripRequest.reference = batch.get();
         }
     }
     layer.bounds = BoundsOf(layer.pixels, result.width, result.height);
