@@ -51,8 +51,10 @@ def run(program, test_filter="*"):
     except subprocess.TimeoutExpired:
         return "no end"
     output = done.stdout.decode(errors="replace")
+    if "[  PASSED  ] 0 tests" in output and done.returncode == 0:
+        raise RuntimeError(f"{program} has no test {test_filter}")
     if done.returncode == 0:
-        return "" if "[  PASSED  ] 0 tests" not in output else "there is no such test"
+        return ""
     failed = re.search(r"\[  FAILED  \] (\S+?),? ", output)
     return failed.group(1) if failed else f"exit status {done.returncode}"
 

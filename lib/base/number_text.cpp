@@ -3,23 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "lib/base/shift_jis.h"
-
 namespace imgbasic {
 namespace {
-
-std::string WithoutCommas(std::string_view text) {
-    std::string rest;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (IsLeadByte(text[i])) {
-            // Its second byte belongs to it, whatever that looks like.
-            rest += text.substr(i++, 2);
-        } else if (text[i] != ',') {
-            rest += text[i];
-        }
-    }
-    return rest;
-}
 
 /// The number at the text's beginning, as far as an int32_t goes.
 int64_t LeadingNumber(std::string_view text) {
@@ -41,7 +26,8 @@ int64_t LeadingNumber(std::string_view text) {
 }  // namespace
 
 TypedNumber ReadTypedNumber(std::string_view text, int32_t low, int32_t high, bool leaving) {
-    const std::string rest = WithoutCommas(text);
+    std::string rest(text);
+    std::erase(rest, ',');
     if (rest.empty() && !leaving) {
         return {};
     }

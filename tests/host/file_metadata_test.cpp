@@ -131,6 +131,8 @@ TEST_F(Metadata, EveryOrientationIsTurnedUprightOnce) {
         Document sideways = draw(cases[0].upright);
         auto metadata = std::make_shared<FileMetadata>();
         metadata->exif = MetadataBytes(Exif(c.orientation));
+        metadata->xResolution = 2;
+        metadata->yResolution = 3;
         sideways.metadata = metadata;
         (void)SaveDocument(sideways, Path("o.png"), {.overwrite = true});
         const Document loaded = LoadDocument(Path("o.png"));
@@ -138,6 +140,7 @@ TEST_F(Metadata, EveryOrientationIsTurnedUprightOnce) {
         EXPECT_EQ(loaded.width, expected.width);
         EXPECT_EQ(loaded.height, expected.height);
         EXPECT_TRUE(Flatten(loaded) == Flatten(expected));
+        EXPECT_EQ(loaded.metadata->xResolution, c.orientation > 4 ? 3 : 2);
         const std::string exif(TextOf(loaded.metadata->exif));
         EXPECT_EQ(exif.substr(0, 22), Exif(1).substr(0, 22));
         EXPECT_EQ(exif.find("view"), std::string::npos) << "the preview is of another picture";

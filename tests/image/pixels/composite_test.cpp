@@ -10,6 +10,8 @@ constexpr RGBA16 kWorked[][3] = {
     {{1, 2, 3, 4}, {9, 9, 9, 0}, {1, 2, 3, 4}},
     {{0, 0, 0xFF00, 0xFF00}, {0xFF00, 0, 1, 0x7F80}, {0x7F80, 0, 0x7F80, 0xFF00}},
     {{0, 300, 0, 0x7F80}, {0xFF00, 300, 3, 0x7F80}, {43520, 300, 2, 0xBF40}},
+    // The order of the operations decides: exactly it were 21766.
+    {{0, 0, 0, 21760}, {0, 0, 0, 9}, {0, 0, 0, 21765}},
     // Beyond full opacity a colour can leave 16 bits on either side: 65792 and -257.
     {{0, 0xFFFF, 5, 0xFFFF}, {0xFFFF, 0, 5, 0xFFFF}, {256, 65279, 5, 65279}},
 };

@@ -57,6 +57,28 @@ TEST(Reduce, FindsAnEntryThatTiesAtTheCornerOfACell) {
     }
 }
 
+// One colour in each cell of the lookup, and a palette of which each cell keeps all entries.
+TEST(Reduce, FindsTheClosestEntryAlsoWhenTheLookupIsFull) {
+    Words everywhere(65536);
+    for (uint32_t i = 0; i < everywhere.size(); ++i) {
+        everywhere[i] = (i & 0xF) << 4 | (i & 0xF0) << 8 | (i & 0xF00) << 12 | (i & 0xF000) << 16;
+    }
+    const auto bitmap = Bitmap(256, everywhere);
+    for (const auto& [count, find] :
+         {std::pair(16U, &FindNearest), std::pair(256U, &FindNearestInGrid)}) {
+        ReducePalette palette;
+        for (uint32_t i = 0; i < count; ++i) {
+            palette.entries.emplace_back(0x80808080 | i % 16, 1U);
+        }
+        FinishPalette(palette);
+        const Indices indices = IndicesOf(*MapToIndexed(palette, bitmap.get(), NoDither));
+        for (size_t i = 0; i < everywhere.size(); ++i) {
+            const uint32_t color = everywhere[i] >> 24 == 0 ? 0 : everywhere[i];
+            ASSERT_EQ(indices[i], find(palette, color)) << std::hex << color;
+        }
+    }
+}
+
 TEST(Reduce, KeepsFewColorsInOrderOfFirstAppearance) {
     const auto bitmap =
         Bitmap(3, {0xFF000009, 0x00123456, 0xFF000009, 0x80000001, 0x00654321, 0xFF000009});
