@@ -50,6 +50,7 @@ TEST(NumberText, MeansANumberWithinBoundsWhateverIsTyped) {
         EXPECT_EQ(leaving.value.value_or(kNone), c.leaving);
         EXPECT_EQ(leaving.rewrite, c.rewrite);
     }
+    EXPECT_TRUE(ReadTypedNumber("", 0, 9, true).rewrite) << "an empty field shows no 0";
 }
 
 TEST(NumberText, ReachesBothEndsOfItsType) {
