@@ -9,7 +9,7 @@
 
 /// Nobody's options: there is no such file, and none can be made.
 extern "C" const char* ImgbasicSettingsFile() {
-    return "/dev/null/settings.reg";
+    return "/proc/settings.reg";
 }
 
 namespace imgbasic::host {
