@@ -12,7 +12,11 @@ if(WIN32)
     # 0x0A00: Windows 10. GCC does not keep the stack aligned for AVX spills on this system.
     target_compile_definitions(imgbasic_flags INTERFACE _WIN32_WINNT=0x0A00)
     target_compile_options(imgbasic_flags INTERFACE -Wa,-muse-unaligned-vector-move)
-    target_link_options(imgbasic_flags INTERFACE -static)
+    target_link_options(imgbasic_flags INTERFACE -static -Wl,--no-insert-timestamp)
+else()
+    # It is made from the debugging information too, which knows the folder: two builds of a commit
+    # are to be the same once that is stripped.
+    target_link_options(imgbasic_flags INTERFACE -Wl,--build-id=none)
 endif()
 
 if(IMGBASIC_SANITIZERS)

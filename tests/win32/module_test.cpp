@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "plugin/imgbasic/entry.h"
@@ -48,15 +50,25 @@ TEST(Module, RunsAFilterEndToEnd) {
     FreeLibrary(module);
 }
 
-TEST(Module, TellsItsVersion) {
+TEST(Module, TellsItsVersionAndAuthors) {
     std::vector<char> data(GetFileVersionInfoSizeA("imgbasic.dll", nullptr));
     ASSERT_TRUE(
         GetFileVersionInfoA("imgbasic.dll", 0, static_cast<DWORD>(data.size()), data.data()));
-    void* text = nullptr;
-    UINT length = 0;
-    ASSERT_TRUE(
-        VerQueryValueA(data.data(), "\\StringFileInfo\\041104B0\\FileVersion", &text, &length));
-    EXPECT_STREQ(static_cast<const char*>(text), IMGBASIC_VERSION);
+    constexpr std::pair<const char*, const char*> kTexts[] = {
+        {"FileVersion", IMGBASIC_VERSION},
+        {"ProductVersion", IMGBASIC_VERSION},
+        {"CompanyName", IMGBASIC_AUTHORS},
+        {"LegalCopyright", IMGBASIC_COPYRIGHT},
+    };
+    for (const auto& [name, expected] : kTexts) {
+        void* text = nullptr;
+        UINT length = 0;
+        ASSERT_TRUE(VerQueryValueA(data.data(),
+                                   ("\\StringFileInfo\\041104B0\\" + std::string(name)).c_str(),
+                                   &text, &length))
+            << name;
+        EXPECT_STREQ(static_cast<const char*>(text), expected);
+    }
 }
 
 }  // namespace

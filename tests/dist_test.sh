@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# What users get works away from the tree: dist_test.sh FILE VERSION unpacks or installs a file of
+# dist/ into an empty folder and uses it once. For the one for Windows, run it where Wine can be.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+tree=$PWD
+file=$(realpath "$1")
+version=$2
+place=$(mktemp -d)
+trap 'rm -rf "$place"' EXIT
+cd "$place"
+
+# The program below a prefix finds its module, knows its version and has its manual page.
+use_program() {
+    "$1/bin/imgbasic" nega "$tree/samples/landscape.ora" --quiet -o inverted.png
+    "$1/bin/imgbasic" info inverted.png >/dev/null
+    "$1/bin/imgbasic" --version | grep -qwF "$version"
+    man -l "$1/share/man/man1/imgbasic.1" | grep -qF col_reduce
+}
+
+case "$file" in
+*.deb)
+    dpkg-deb -x "$file" .
+    use_program usr
+    # The system has what the package depends on.
+    apt-get install --simulate "$file" 2>&1 | grep -qF "Inst imgbasic ($version"
+    ;;
+*.tar.gz)
+    tar -xzf "$file"
+    use_program imgbasic-*
+    grep -qF 'libvips.so' imgbasic-*/requirements.txt
+    ;;
+*.zip)
+    unzip -q "$file"
+    cd imgbasic-*
+    "$tree/tests/minimal_host_test.sh" wine "$tree/build/win64/bin/minimal_host.exe" imgbasic.dll
+    ;;
+*.whl)
+    /usr/bin/python3 -m venv --system-site-packages venv # which have numpy
+    venv/bin/pip install --quiet --no-index "$file"
+    PATH=/usr/bin:/bin venv/bin/python - "$version" <<'PYTHON'
+import sys
+import imgbasic
+import numpy
+
+grey = imgbasic.gray(numpy.array([[[32, 16, 8]]], numpy.uint8), method="ntsc")
+assert "/venv/" in imgbasic.__file__, imgbasic.__file__
+assert (imgbasic.__version__, grey.tolist()) == (sys.argv[1], [[[20, 20, 20]]]), grey
+PYTHON
+    ;;
+*)
+    echo "dist_test.sh: $file is no file of dist/" >&2
+    exit 2
+    ;;
+esac
