@@ -37,9 +37,9 @@ void LibraryCloser::operator()(void* library) const {
     dlclose(library);
 }
 
-std::filesystem::path FindModule() {
+std::filesystem::path FindModule(const std::filesystem::path& installedFolder) {
     const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    const auto installed = (program / IMGBASIC_MODULE_FOLDER).lexically_normal();
+    const auto installed = (program / installedFolder).lexically_normal();
     for (const auto& folder : {program, installed}) {
         if (exists(folder / kFileName)) {
             return folder / kFileName;

@@ -39,8 +39,9 @@ struct Module {
     decltype(&ImagePluginBatchDispose) batchDispose = nullptr;
 };
 
-/// The module of the running program: beside it, or where installing put it. Throws ModuleError.
-std::filesystem::path FindModule();
+/// The module of the running program: beside it, or in the folder that installing put it in, which
+/// is relative to the program's. Throws ModuleError.
+std::filesystem::path FindModule(const std::filesystem::path& installedFolder = ".");
 
 /// Loads the module and finds all thirteen exports. Throws ModuleError.
 Module LoadModule(const std::filesystem::path& path);

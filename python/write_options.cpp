@@ -5,8 +5,8 @@
 #include <iomanip>
 #include <iostream>
 
-#include "host/cli/opaque_defaults.h"
 #include "host/filter_words.h"
+#include "host/opaque_defaults.h"
 #include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {

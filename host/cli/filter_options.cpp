@@ -5,9 +5,9 @@
 #include <span>
 
 #include "host/cli/filter_command.h"
-#include "host/cli/opaque_defaults.h"
 #include "host/cli/option_effects.h"
 #include "host/filter_words.h"
+#include "host/opaque_defaults.h"
 #include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {

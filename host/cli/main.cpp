@@ -116,7 +116,7 @@ int Run(int argc, char** argv) {
     int status = EXIT_SUCCESS;
 
     const auto loadModule = [&] {
-        return LoadModule(modulePath.empty() ? FindModule() : modulePath);
+        return LoadModule(modulePath.empty() ? FindModule(IMGBASIC_MODULE_FOLDER) : modulePath);
     };
     const Runner run = [&](RunCommand command) {
         status = RunFilters(loadModule(), std::move(command)) ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -5,11 +5,11 @@
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/file_run.h"
-#include "host/cli/opaque_defaults.h"
 #include "host/cli/report.h"
 #include "host/cli/step_request.h"
 #include "host/cli/stored_options.h"
 #include "host/cli/worker_pool.h"
+#include "host/opaque_defaults.h"
 
 namespace imgbasic::host {
 namespace {

@@ -9,11 +9,11 @@
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/filter_command.h"
-#include "host/cli/opaque_defaults.h"
 #include "host/cli/step_request.h"
 #include "host/cli/stored_options.h"
 #include "host/cli/text_table.h"
 #include "host/filter_words.h"
+#include "host/opaque_defaults.h"
 #include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "host/cli/file_jobs.h"
-#include "host/cli/opaque_defaults.h"
 #include "host/cli/stored_options.h"
 #include "host/memory_limit.h"
+#include "host/opaque_defaults.h"
 
 namespace imgbasic::host {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/cli/opaque_defaults.h"
+#include "host/opaque_defaults.h"
 
 #include <algorithm>
 

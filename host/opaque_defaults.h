@@ -11,8 +11,8 @@
 namespace imgbasic::host {
 
 // A drawing's layer may end anywhere, so the module's scaling fades it out at the image's border. A
-// photograph would get a translucent or pale frame by that. A document of a single opaque layer has
-// defaults of its own on the command line, which do not.
+// photograph would get a translucent or pale frame by that. In hosts of ours a document of a single
+// opaque layer has defaults of its own, which do not.
 
 /// An option's default for a single opaque layer; nothing where it is the module's.
 std::optional<int32_t> OpaqueDefault(std::string_view option);
