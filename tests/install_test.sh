@@ -11,6 +11,9 @@ cmake --install build/native --prefix "$prefix" >/dev/null
 (cd "$prefix" && ls share/man/man1/imgbasic.1 share/bash-completion/completions/imgbasic) >/dev/null
 "$prefix/bin/imgbasic" nega samples/landscape.ora --target merged --quiet -o "$prefix/inverted.png"
 "$prefix/bin/imgbasic" info "$prefix/inverted.png" >/dev/null
+if [ -e build/native/bin/imgbasic-gimp ]; then
+    ls "$prefix/lib/gimp/2.0/plug-ins/imgbasic-gimp/imgbasic-gimp" >/dev/null
+fi
 
 module=$(find "$prefix" -name libimgbasic.so)
 rm "$module"

@@ -1,0 +1,90 @@
+; The steps of interactive_test.py, which defines `folder` and does what `ask` asks for.
+
+(define (write-line name line)
+  (let ((port (open-output-file (string-append folder name))))
+    (display line port)
+    (newline port)
+    (close-output-port port)))
+
+; Each line of the report: 1 or 0, and what was expected.
+(define report (open-output-file (string-append folder "report.txt")))
+(define (expect what condition)
+  (display (string-append (if condition "1 " "0 ") what "\n") report))
+
+(define asked 0)
+(define (ask what)
+  (set! asked (+ asked 1))
+  (write-line (string-append "ask-" (number->string asked)) what))
+
+(define (wait-for condition)
+  (let loop ((tries 300))
+    (cond ((condition) #t)
+          ((= tries 0) #f)
+          (else (usleep 100000) (loop (- tries 1))))))
+
+(define image (car (gimp-image-new 300 200 RGB)))
+(define layer (car (gimp-layer-new image 300 200 RGB-IMAGE "paper" 100 LAYER-MODE-NORMAL)))
+(define (color-is? wanted)
+  (equal? wanted (vector->list (cadr (gimp-drawable-get-pixel layer 150 100)))))
+(define (is-blue?) (color-is? '(48 96 192)))
+
+(gimp-context-set-foreground '(48 96 192))
+(gimp-image-insert-layer image layer 0 0)
+(gimp-drawable-fill layer FILL-FOREGROUND)
+(gimp-image-clean-all image)
+(gimp-display-new image)
+(gimp-displays-flush)
+(ask "place")
+
+; The dialog begins with the target that was used last.
+(define (use-target target)
+  (gimp-procedural-db-set-data "imgbasic-nega" 4 (vector target 0 0 0)))
+
+(define (expect-undo what restored?)
+  (ask "undo")
+  (expect (string-append "one undo takes back " what) (wait-for restored?)))
+
+(define (expect-cancelled what)
+  (ask "cancel Invert Tones")
+  (catch #f (imgbasic-nega 0 image layer 2))
+  (expect (string-append "cancelling restores " what) (is-blue?))
+  (expect (string-append "cancelling leaves no unsaved work, " what)
+          (= FALSE (car (gimp-image-is-dirty image)))))
+
+(expect-cancelled "the layer")
+(ask "confirm Invert Tones")
+(imgbasic-nega 0 image layer 2)
+(expect "confirming inverts" (color-is? '(207 159 63)))
+(expect-undo "inverting" is-blue?)
+
+(define above (car (gimp-layer-copy layer TRUE)))
+(gimp-image-insert-layer image above 0 0)
+(gimp-image-clean-all image)
+(define (has-both?)
+  (and (= 2 (car (gimp-image-get-layers image)))
+       (= TRUE (car (gimp-item-is-valid layer)))
+       (= TRUE (car (gimp-item-get-visible layer)))
+       (= TRUE (car (gimp-item-get-visible above)))))
+(use-target 1)
+(expect-cancelled "all layers")
+(use-target 0)
+(expect-cancelled "the merged image")
+(expect "all layers are there and visible" (has-both?))
+(imgbasic-nega 1 image layer 0)
+(expect-undo "inverting the merged image" has-both?)
+
+(define group (car (imgbasic-chan-decomp 1 image layer)))
+(expect-undo "splitting" (lambda () (and (has-both?) (= FALSE (car (gimp-item-is-valid group))))))
+(set! group (car (imgbasic-chan-decomp 1 image layer)))
+(imgbasic-chan-merge 1 image group)
+(expect-undo "merging" (lambda () (= TRUE (car (gimp-item-is-group (car (gimp-image-get-active-layer image)))))))
+
+(ask "size Scale")
+(imgbasic-scaling 0 image above 0 0 0 1 1 0 0 0 0 0)
+(expect "the size asked for" (= 150 (car (gimp-image-width image))))
+(expect-undo "scaling"
+             (lambda () (and (= 300 (car (gimp-image-width image)))
+                             (= 300 (car (gimp-drawable-width above))))))
+(expect "end" #t)
+(close-output-port report)
+(gimp-quit 1)
