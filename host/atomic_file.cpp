@@ -1,6 +1,8 @@
 #include "host/atomic_file.h"
 
+#ifndef _WIN32
 #include <unistd.h>
+#endif
 
 #include <atomic>
 #include <cerrno>
@@ -16,9 +18,10 @@ namespace fs = std::filesystem;
 namespace {
 
 /// What a signal's handler removes; null when there is nothing. Outputs are written one by one.
-std::atomic<const char*> begun = nullptr;
-static_assert(std::atomic<const char*>::is_always_lock_free, "a handler may use nothing else");
+std::atomic<const fs::path::value_type*> begun = nullptr;
+static_assert(decltype(begun)::is_always_lock_free, "a handler may use nothing else");
 
+#ifndef _WIN32
 extern "C" void RemoveBegunOutput(int signal) {
     if (const char* const temporary = begun) {
         unlink(temporary);
@@ -27,9 +30,11 @@ extern "C" void RemoveBegunOutput(int signal) {
     std::signal(signal, SIG_DFL);
     raise(signal);
 }
+#endif
 
 }  // namespace
 
+#ifndef _WIN32
 void RemoveBegunOutputOnSignals() {
     for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGXFSZ}) {
         // What is ignored, as under nohup, stays so.
@@ -38,6 +43,7 @@ void RemoveBegunOutputOnSignals() {
         }
     }
 }
+#endif
 
 AtomicFile::AtomicFile(const fs::path& path, bool overwrite) : shown_(path) {
     std::error_code ignored;
@@ -85,12 +91,16 @@ void AtomicFile::Fail(int error) const {
         throw FileError(shown_.string() +
                         ": exists already; choose another name or allow overwriting");
     }
+#ifdef _WIN32
+    const bool isFull = error == ENOSPC;
+#else
+    const bool isFull = error == ENOSPC || error == EDQUOT;
+#endif
     const char* const wayOut =
-        error == ENOSPC || error == EDQUOT
-            ? "; make room there or choose another folder"
-            : "; choose another folder or change the permissions of this one";
+        isFull ? "; make room there or choose another folder"
+               : "; choose another folder or change the permissions of this one";
     throw FileError(shown_.string() + ": cannot be written (" +
-                    std::system_category().message(error) + ")" + wayOut);
+                    std::generic_category().message(error) + ")" + wayOut);
 }
 
 }  // namespace imgbasic::host

@@ -30,7 +30,9 @@ class AtomicFile {
     AtomicReplacement file_;
 };
 
+#ifndef _WIN32
 /// From here on a signal that ends the process removes an output that was begun.
 void RemoveBegunOutputOnSignals();
+#endif
 
 }  // namespace imgbasic::host

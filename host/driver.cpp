@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/layer_run.h"
+#include "plugin/imgbasic/scaling.h"
 
 namespace imgbasic::host {
 namespace {
@@ -58,10 +59,16 @@ RunOutcome ActiveRun::Run() {
     if (!object_) {
         return Failure("the module has no filter '" + request_.filter + "'");
     }
+    if (request_.reference != nullptr && request_.filter == "scaling") {
+        // It looks at no reference, and would ask for every image.
+        ExchangeOptions(*object_, request_.options);
+        static_cast<ScalingImageProcess&>(*object_).skipDialog = true;
+    }
     const int confirmed = module_.dialog(filter, object_.get(), &ApplyActive);
     if (confirmed != 1 && outcome_.status != RunStatus::Failed) {
         return {.status = RunStatus::Cancelled};
     }
+    outcome_.object = std::move(object_);
     return std::move(outcome_);
 }
 
@@ -74,6 +81,9 @@ bool ActiveRun::Apply() {
     const std::vector<OptionValue> loaded = ExchangeOptions(*object_, request_.options);
     try {
         outcome_ = RunOnce();
+        if (request_.onRun) {
+            request_.onRun(outcome_);
+        }
     } catch (const std::bad_alloc&) {
         outcome_ = Failure("there is not enough memory for the run");
     } catch (const std::exception& fault) {

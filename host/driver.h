@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ struct DocumentPoint {
     double y = 0;
 };
 
+struct RunOutcome;
+
 /// One use of a filter.
 struct RunRequest {
     std::string filter{};
@@ -31,11 +34,14 @@ struct RunRequest {
     uint32_t drawColor = 0x000000;  ///< 0x00RRGGBB
     uint32_t backColor = 0xFFFFFF;  ///< 0x00RRGGBB
     HWND ownerWindow = nullptr;
-    ImageProcess* reference = nullptr;  ///< a batch's object; borrowed
+    ImageProcess* reference = nullptr;  ///< a batch's or an earlier run's object; borrowed
     /// Set for the run, over what the module loaded or the user chose.
     std::vector<OptionValue> options{};
     bool rememberOptions = false;  ///< leave `options` in place, so that the module stores them
     std::vector<DocumentPoint> points{};
+    /// Called after every run that did not fail, while the module's dialog may still be open: what
+    /// is to be seen of a preview.
+    std::function<void(const RunOutcome& outcome)> onRun{};
 };
 
 enum class RunStatus {
@@ -52,6 +58,8 @@ struct RunOutcome {
     double scaleX = 1;    ///< by how much brushes grow with the picture
     double scaleY = 1;
     std::vector<DocumentPoint> points{};  ///< where the request's points are now
+    /// What ran, with its options, to be the reference of a later run; of Done and NothingToDo.
+    FilterObject object{};
 };
 
 /// Runs a filter from its creation to its disposal, its dialog included: the module asks for the

@@ -52,7 +52,7 @@ FileFormat FormatOf(const std::filesystem::path& path) {
 [[noreturn]] void FailToOpen(const std::filesystem::path& path) {
     const int reason = errno;
     throw FileError(path.string() + ": cannot be opened (" +
-                    std::system_category().message(reason) +
+                    std::generic_category().message(reason) +
                     "); check the name and the permissions");
 }
 

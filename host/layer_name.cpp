@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "host/shift_jis.h"
+#include "host/text_encoding.h"
+#include "lib/base/shift_jis.h"
 
 namespace imgbasic::host {
 namespace {
@@ -24,6 +25,19 @@ bool StartsWithTag(std::string_view name) {
 
 bool IsWholeOrCut(std::string_view part, std::string_view whole) {
     return part == whole || (part.size() >= kShortestCut && whole.starts_with(part));
+}
+
+/// The longest beginning of at most `most` bytes that cuts no double-byte character in two.
+std::string_view CutShiftJis(std::string_view shiftJis, size_t most) {
+    size_t length = 0;
+    while (length < shiftJis.size()) {
+        const size_t next = length + (IsLeadByte(shiftJis[length]) ? 2 : 1);
+        if (next > most || next > shiftJis.size()) {
+            break;
+        }
+        length = next;
+    }
+    return shiftJis.substr(0, length);
 }
 
 }  // namespace

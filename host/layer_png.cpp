@@ -2,7 +2,6 @@
 
 #include <zlib.h>
 
-#include <vips/vips.h>
 #include <algorithm>
 #include <string_view>
 
@@ -31,19 +30,17 @@ std::string BigEndianText(uint32_t value) {
     return bytes;
 }
 
-/// The iCCP chunk, the same for every picture.
+/// The iCCP chunk, the same for every picture; empty without a profile to put there.
 std::string ProfileChunk() {
-    VipsBlob* blob = nullptr;
-    if (vips_profile_load("srgb", &blob, nullptr) != 0) {
-        throw FileError("the image library has no sRGB profile; check its installation");
+    const std::vector<std::byte> profile = SrgbProfile();
+    if (profile.empty()) {
+        return {};
     }
-    size_t size = 0;
-    const auto* const profile = static_cast<const Bytef*>(vips_blob_get(blob, &size));
-    uLongf packedSize = compressBound(size);
+    uLongf packedSize = compressBound(static_cast<uLong>(profile.size()));
     std::string packed(packedSize, '\0');
-    const int status = compress2(reinterpret_cast<Bytef*>(packed.data()), &packedSize, profile,
-                                 size, Z_BEST_COMPRESSION);
-    vips_area_unref(VIPS_AREA(blob));
+    const int status = compress2(reinterpret_cast<Bytef*>(packed.data()), &packedSize,
+                                 reinterpret_cast<const Bytef*>(profile.data()),
+                                 static_cast<uLong>(profile.size()), Z_BEST_COMPRESSION);
     if (status != Z_OK) {
         throw std::bad_alloc();
     }

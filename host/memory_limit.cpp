@@ -1,6 +1,10 @@
 #include "host/memory_limit.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <fstream>
@@ -14,6 +18,12 @@ namespace {
 /// Bytes that programs can still get without driving others out; unlimited where the system does
 /// not tell.
 double AvailableMemory() {
+#ifdef _WIN32
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    return GlobalMemoryStatusEx(&status) != 0 ? static_cast<double>(status.ullAvailPageFile)
+                                              : std::numeric_limits<double>::infinity();
+#else
     std::ifstream report("/proc/meminfo");
     std::string key;
     while (report >> key) {
@@ -27,6 +37,7 @@ double AvailableMemory() {
     const long pageSize = sysconf(_SC_PAGESIZE);
     return pages > 0 && pageSize > 0 ? static_cast<double>(pages) * static_cast<double>(pageSize)
                                      : std::numeric_limits<double>::infinity();
+#endif
 }
 
 }  // namespace

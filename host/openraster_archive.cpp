@@ -1,9 +1,13 @@
 #include "host/openraster_archive.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <span>
 #include <utility>
 
 #include "host/image_file.h"
+#include "host/text_encoding.h"
 
 namespace imgbasic::host {
 namespace {
@@ -23,12 +27,27 @@ void RequireOpen(const zip_t* archive, const std::string& name) {
     }
 }
 
+#ifdef _WIN32
+std::vector<std::byte> BytesOf(const std::string& path) {
+    std::ifstream file(PathFrom(path), std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+#endif
+
 }  // namespace
 
+#ifdef _WIN32
+// A file that is open could not be replaced by the document's next version.
+ZipReader::ZipReader(const std::string& path) : ZipReader(path, BytesOf(path)) {
+}
+#else
 ZipReader::ZipReader(const std::string& path)
     : archive_(zip_open(path.c_str(), ZIP_RDONLY, nullptr)) {
     RequireOpen(archive_.get(), path);
 }
+#endif
 
 ZipReader::ZipReader(const std::string& name, std::vector<std::byte> bytes)
     : bytes_(std::move(bytes)) {

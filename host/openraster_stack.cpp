@@ -1,13 +1,12 @@
 #include "host/openraster_stack.h"
 
-#include <glib.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
 
 #include "host/flatten.h"
 #include "host/openraster.h"
+#include "host/text_encoding.h"
 
 namespace imgbasic::host {
 namespace {
@@ -43,12 +42,10 @@ constexpr Operation kOperations[] = {
 
 /// `name` as XML can hold it: what is no UTF-8, and most control characters, become U+FFFD.
 std::string XmlText(const std::string& name) {
-    const std::unique_ptr<char, void (*)(void*)> valid(
-        g_utf8_make_valid(name.data(), static_cast<gssize>(name.size())), g_free);
     std::string text;
-    for (const char* c = valid.get(); *c != '\0'; ++c) {
-        const bool forbidden = static_cast<unsigned char>(*c) < 0x20 && !std::strchr("\t\n\r", *c);
-        text += forbidden ? "\xEF\xBF\xBD" : std::string(1, *c);
+    for (const char c : ValidUtf8(name)) {
+        const bool forbidden = static_cast<unsigned char>(c) < 0x20 && !std::strchr("\t\n\r", c);
+        text += forbidden ? "\xEF\xBF\xBD" : std::string(1, c);
     }
     return text;
 }

@@ -65,6 +65,23 @@ std::string RangeText(const FilterOption& option) {
     return std::to_string(option.least) + " to " + std::to_string(option.most);
 }
 
+std::vector<OptionValue> OptionsToRepeat(std::string_view filter, const ImageProcess& object) {
+    std::vector<OptionValue> values;
+    for (const FilterOption& option : OptionsOf(filter)) {
+        values.push_back({&option, option.get(object)});
+    }
+    const bool followsRatio = std::ranges::any_of(values, [](const OptionValue& set) {
+        return set.option->name == std::string_view("RatioSize") && set.value != 0;
+    });
+    if (followsRatio) {
+        std::erase_if(values, [](const OptionValue& set) {
+            return set.option->name == std::string_view("newWidth") ||
+                   set.option->name == std::string_view("newHeight");
+        });
+    }
+    return values;
+}
+
 std::vector<OptionValue> ExchangeOptions(ImageProcess& object,
                                          std::span<const OptionValue> values) {
     std::vector<OptionValue> before;

@@ -32,6 +32,10 @@ OptionValue ParseOption(std::string_view filter, const std::string& text);
 /// "1 to 255".
 std::string RangeText(const FilterOption& option);
 
+/// The values of an object of `filter` without those that follow from others: what another object
+/// needs to do the same to an image of its own.
+std::vector<OptionValue> OptionsToRepeat(std::string_view filter, const ImageProcess& object);
+
 /// Sets the options in order and returns what they were before, so that setting those again undoes
 /// it.
 std::vector<OptionValue> ExchangeOptions(ImageProcess& object, std::span<const OptionValue> values);

@@ -1,15 +1,18 @@
 #include "host/pixel_room.h"
 
+#ifndef _WIN32
 #include <sys/mman.h>
+#endif
 
 #include <cstdint>
 
 namespace imgbasic::host {
 
 std::vector<RGBA16> RoomFor(size_t count) {
-    constexpr size_t kLargePage = size_t{2} << 20U;
     std::vector<RGBA16> pixels;
     pixels.reserve(count);
+#ifndef _WIN32
+    constexpr size_t kLargePage = size_t{2} << 20U;
     auto* const begin = reinterpret_cast<std::byte*>(pixels.data());
     const size_t bytes = count * sizeof(RGBA16);
     const size_t toPage =
@@ -18,6 +21,7 @@ std::vector<RGBA16> RoomFor(size_t count) {
         // Only advice; without it the room is the same.
         (void)madvise(begin + toPage, bytes - toPage, MADV_HUGEPAGE);
     }
+#endif
     return pixels;
 }
 

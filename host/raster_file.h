@@ -30,7 +30,7 @@ struct RasterHeader {
     int32_t width = 0;  ///< of the upright picture
     int32_t height = 0;
     int bitDepth = 8;
-    std::string format;  ///< such as "png"
+    std::string format{};  ///< such as "png"; empty where the system does not tell
     std::shared_ptr<const FileMetadata> metadata{};
 };
 
@@ -76,5 +76,8 @@ std::vector<std::byte> EncodeRaster(const Picture& picture, RasterFormat format,
 /// The picture as a PNG of 8 bits a channel, reduced to at most 256 x 256 pixels. Throws
 /// FileError.
 std::vector<std::byte> EncodeThumbnail(const Picture& picture, const std::string& name);
+
+/// The ICC profile of sRGB; empty where the system has none.
+std::vector<std::byte> SrgbProfile();
 
 }  // namespace imgbasic::host

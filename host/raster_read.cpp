@@ -7,7 +7,7 @@
 #include "host/memory_limit.h"
 #include "host/raster_file.h"
 #include "host/raster_metadata.h"
-#include "host/sample_depth.h"
+#include "host/sample_pixels.h"
 #include "host/upright_pixels.h"
 #include "host/vips_library.h"
 
@@ -164,44 +164,6 @@ VImage InKnownColors(const VImage& image, const std::string& name,
     return image;
 }
 
-/// Turns file samples of 1 to 4 or more bands into pixels; what is beyond the fourth is no colour.
-template <typename Sample>
-void ConvertSamples(const Sample* samples, int bands, std::span<RGBA16> pixels) {
-    const auto convert = [](Sample sample) {
-        if constexpr (sizeof(Sample) == 1) {
-            return FromDepth8(sample);
-        } else {
-            return MarkedFromDepth16(sample);
-        }
-    };
-    const auto each = [&](auto pick) {
-        for (RGBA16& pixel : pixels) {
-            pixel = pick(samples);
-            samples += bands;
-        }
-    };
-    switch (bands) {
-        case 1:
-            return each([&](const Sample* s) {
-                const uint16_t gray = convert(s[0]);
-                return RGBA16{gray, gray, gray, kFullScale};
-            });
-        case 2:
-            return each([&](const Sample* s) {
-                const uint16_t gray = convert(s[0]);
-                return RGBA16{gray, gray, gray, convert(s[1])};
-            });
-        case 3:
-            return each([&](const Sample* s) {
-                return RGBA16{convert(s[0]), convert(s[1]), convert(s[2]), kFullScale};
-            });
-        default:
-            return each([&](const Sample* s) {
-                return RGBA16{convert(s[0]), convert(s[1]), convert(s[2]), convert(s[3])};
-            });
-    }
-}
-
 std::vector<RGBA16> PixelsOf(const VImage& image) {
     // Few enough rows to stay in the processor's cache.
     constexpr int kStrip = 16;
@@ -229,24 +191,6 @@ std::vector<RGBA16> PixelsOf(const VImage& image) {
         upright.Place();
     }
     return upright.Take();
-}
-
-/// Replaces the marks by the document values that they stand for and returns where they were;
-/// empty when there were none.
-std::vector<bool> TakeLowerSamples(std::span<RGBA16> pixels) {
-    std::vector<bool> lower;
-    size_t index = 0;
-    for (RGBA16& pixel : pixels) {
-        for (uint16_t* channel : {&pixel.r, &pixel.g, &pixel.b, &pixel.a}) {
-            if (*channel > kFullScale) {
-                lower.resize(pixels.size() * 4);
-                lower[index] = true;
-                *channel = Unmarked(*channel);
-            }
-            ++index;
-        }
-    }
-    return lower;
 }
 
 Picture Decode(const RasterInput& input, const char* wantedLoader,

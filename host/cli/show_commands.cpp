@@ -6,7 +6,7 @@
 #include "host/cli/text_table.h"
 #include "host/image_file.h"
 #include "host/openraster.h"
-#include "host/shift_jis.h"
+#include "host/text_encoding.h"
 #include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {

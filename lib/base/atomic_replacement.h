@@ -38,7 +38,9 @@ class AtomicReplacement {
     int Commit(std::string_view content);
 
     /// What to remove should the process end now; null when there is nothing.
-    const char* temporary() const { return visible_ ? temporary_.c_str() : nullptr; }
+    const std::filesystem::path::value_type* temporary() const {
+        return visible_ ? temporary_.c_str() : nullptr;
+    }
 
   private:
     int Open(const std::filesystem::path& path, Existing existing, int nameless);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/shift_jis.h"
+#include "host/text_encoding.h"
 
 namespace imgbasic::host {
 namespace {

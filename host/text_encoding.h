@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,12 @@ std::string Utf8ToShiftJis(std::string_view utf8);
 /// Shift-JIS (code page 932) to UTF-8. Bytes that are no Shift-JIS become question marks.
 std::string ShiftJisToUtf8(std::string_view shiftJis);
 
-/// The longest beginning of at most `most` bytes that cuts no double-byte character in two.
-std::string_view CutShiftJis(std::string_view shiftJis, size_t most);
+/// The text with U+FFFD in place of what is no UTF-8, up to its first zero.
+std::string ValidUtf8(const std::string& text);
+
+/// What path.string() gives, which is UTF-8 on every system, as a path again.
+inline std::filesystem::path PathFrom(const std::string& utf8) {
+    return std::u8string(utf8.begin(), utf8.end());
+}
 
 }  // namespace imgbasic::host

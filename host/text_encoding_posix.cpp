@@ -1,11 +1,11 @@
-#include "host/shift_jis.h"
-
+#include <glib.h>
 #include <iconv.h>
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 
-#include "lib/base/shift_jis.h"
+#include "host/text_encoding.h"
 
 namespace imgbasic::host {
 namespace {
@@ -52,16 +52,10 @@ std::string ShiftJisToUtf8(std::string_view shiftJis) {
     return Convert(shiftJis, "CP932", "UTF-8", false);
 }
 
-std::string_view CutShiftJis(std::string_view shiftJis, size_t most) {
-    size_t length = 0;
-    while (length < shiftJis.size()) {
-        const size_t next = length + (IsLeadByte(shiftJis[length]) ? 2 : 1);
-        if (next > most || next > shiftJis.size()) {
-            break;
-        }
-        length = next;
-    }
-    return shiftJis.substr(0, length);
+std::string ValidUtf8(const std::string& text) {
+    const std::unique_ptr<char, void (*)(void*)> valid(
+        g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())), g_free);
+    return valid.get();
 }
 
 }  // namespace imgbasic::host
