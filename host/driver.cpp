@@ -1,5 +1,6 @@
 #include "host/driver.h"
 
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -80,7 +81,11 @@ bool ActiveRun::Apply() {
     // The module's dialog stores the object's fields when it is confirmed, after this call.
     const std::vector<OptionValue> loaded = ExchangeOptions(*object_, request_.options);
     try {
+        const auto start = std::chrono::steady_clock::now();
         outcome_ = RunOnce();
+        outcome_.milliseconds =
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+                .count();
         if (request_.onRun) {
             request_.onRun(outcome_);
         }

@@ -58,6 +58,7 @@ struct RunOutcome {
     double scaleX = 1;    ///< by how much brushes grow with the picture
     double scaleY = 1;
     std::vector<DocumentPoint> points{};  ///< where the request's points are now
+    double milliseconds = 0;              ///< that the run took, without the user's time
     /// What ran, with its options, to be the reference of a later run; of Done and NothingToDo.
     FilterObject object{};
 };

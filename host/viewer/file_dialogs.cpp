@@ -1,0 +1,116 @@
+#include "host/viewer/file_dialogs.h"
+
+#include <shobjidl.h>
+
+#include <array>
+
+#include "host/viewer/texts.h"
+#include "host/wic_library.h"
+
+namespace imgbasic::viewer {
+
+using host::Check;
+using host::ComPtr;
+
+namespace {
+
+constexpr const wchar_t* kPicturePattern = L"*.png;*.jpg;*.jpeg;*.bmp;*.tif;*.tiff;*.ora";
+
+template <typename Dialog>
+ComPtr<Dialog> MakeDialog(const CLSID& id, FILEOPENDIALOGOPTIONS further) {
+    ComPtr<Dialog> dialog;
+    Check(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(dialog.GetAddressOf())));
+    FILEOPENDIALOGOPTIONS options = 0;
+    Check(dialog->GetOptions(&options));
+    Check(dialog->SetOptions(options | FOS_FORCEFILESYSTEM | further));
+    return dialog;
+}
+
+std::filesystem::path PathOf(IShellItem& item) {
+    wchar_t* name = nullptr;
+    Check(item.GetDisplayName(SIGDN_FILESYSPATH, &name));
+    const std::filesystem::path path(name);
+    CoTaskMemFree(name);
+    return path;
+}
+
+/// Whether the user confirmed.
+bool Confirmed(IFileDialog& dialog, HWND owner) {
+    const HRESULT shown = dialog.Show(owner);
+    if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED)) {
+        return false;
+    }
+    Check(shown);
+    return true;
+}
+
+std::filesystem::path ResultOf(IFileDialog& dialog) {
+    ComPtr<IShellItem> item;
+    Check(dialog.GetResult(item.GetAddressOf()));
+    return PathOf(*item.Get());
+}
+
+}  // namespace
+
+std::vector<std::filesystem::path> AskForPictures(HWND owner) {
+    const auto dialog = MakeDialog<IFileOpenDialog>(CLSID_FileOpenDialog, FOS_ALLOWMULTISELECT);
+    const COMDLG_FILTERSPEC pictures{TextOf(TextId::PictureFiles), kPicturePattern};
+    Check(dialog->SetFileTypes(1, &pictures));
+    std::vector<std::filesystem::path> paths;
+    if (!Confirmed(*dialog.Get(), owner)) {
+        return paths;
+    }
+    ComPtr<IShellItemArray> items;
+    DWORD count = 0;
+    Check(dialog->GetResults(items.GetAddressOf()));
+    Check(items->GetCount(&count));
+    for (DWORD i = 0; i < count; ++i) {
+        ComPtr<IShellItem> item;
+        Check(items->GetItemAt(i, item.GetAddressOf()));
+        paths.push_back(PathOf(*item.Get()));
+    }
+    return paths;
+}
+
+std::filesystem::path AskWhereToSave(HWND owner, const std::filesystem::path& proposed) {
+    const auto dialog = MakeDialog<IFileSaveDialog>(CLSID_FileSaveDialog, FOS_OVERWRITEPROMPT);
+    const COMDLG_FILTERSPEC types[] = {{TextOf(TextId::PngFile), L"*.png"},
+                                       {TextOf(TextId::OpenRasterFile), L"*.ora"}};
+    constexpr std::array<const wchar_t*, 2> kExtensions{L".png", L".ora"};
+    Check(dialog->SetFileTypes(2, types));
+    Check(dialog->SetFileTypeIndex(proposed.extension() == kExtensions[1] ? 2 : 1));
+    Check(dialog->SetFileName(proposed.stem().c_str()));
+    Check(dialog->SetDefaultExtension(L"png"));
+    if (!Confirmed(*dialog.Get(), owner)) {
+        return {};
+    }
+    std::filesystem::path path = ResultOf(*dialog.Get());
+    if (path.extension() != kExtensions[0] && path.extension() != kExtensions[1]) {
+        UINT type = 1;
+        Check(dialog->GetFileTypeIndex(&type));
+        path += kExtensions[type == 2 ? 1 : 0];
+    }
+    return path;
+}
+
+std::filesystem::path AskForFolder(HWND owner) {
+    const auto dialog = MakeDialog<IFileOpenDialog>(CLSID_FileOpenDialog, FOS_PICKFOLDERS);
+    Check(dialog->SetTitle(TextOf(TextId::ChooseFolder)));
+    return Confirmed(*dialog.Get(), owner) ? ResultOf(*dialog.Get()) : std::filesystem::path();
+}
+
+uint32_t AskForColor(HWND owner, uint32_t color) {
+    static std::array<COLORREF, 16> custom{};
+    const auto swapped = [](uint32_t value) {
+        return (value & 0xFF) << 16 | (value & 0xFF00) | (value >> 16 & 0xFF);
+    };
+    CHOOSECOLORW choice{};
+    choice.lStructSize = sizeof choice;
+    choice.hwndOwner = owner;
+    choice.rgbResult = swapped(color);
+    choice.lpCustColors = custom.data();
+    choice.Flags = CC_FULLOPEN | CC_RGBINIT;
+    return ChooseColorW(&choice) != FALSE ? swapped(choice.rgbResult) : color;
+}
+
+}  // namespace imgbasic::viewer

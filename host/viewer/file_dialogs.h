@@ -1,0 +1,22 @@
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <vector>
+
+namespace imgbasic::viewer {
+
+// The system's dialogs; what the user cancelled comes back empty.
+
+std::vector<std::filesystem::path> AskForPictures(HWND owner);
+
+/// A path that ends in ".png" or ".ora". `proposed` is where the dialog begins.
+std::filesystem::path AskWhereToSave(HWND owner, const std::filesystem::path& proposed);
+
+std::filesystem::path AskForFolder(HWND owner);
+
+/// Any colour, 0x00RRGGBB; `color` when cancelled.
+uint32_t AskForColor(HWND owner, uint32_t color);
+
+}  // namespace imgbasic::viewer

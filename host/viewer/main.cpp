@@ -1,0 +1,53 @@
+#include <windows.h>
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+#include <exception>
+
+#include "host/viewer/main_window.h"
+#include "host/viewer/texts.h"
+
+namespace imgbasic::viewer {
+namespace {
+
+std::vector<std::filesystem::path> NamedFiles() {
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    const std::vector<std::filesystem::path> files(words + 1, words + count);
+    LocalFree(static_cast<HLOCAL>(words));
+    return files;
+}
+
+int Run() {
+    const host::Module module = host::LoadModule(host::FindModule());
+    MainWindow window(module);
+    ShowWindow(window.Handle(), SW_SHOWDEFAULT);
+    window.Open(NamedFiles());
+    return window.Run();
+}
+
+}  // namespace
+}  // namespace imgbasic::viewer
+
+int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, wchar_t* /*line*/,
+                    int /*show*/) {
+    using imgbasic::viewer::TextId;
+    using imgbasic::viewer::TextOf;
+    InitCommonControls();
+    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    int status = 1;
+    try {
+        status = imgbasic::viewer::Run();
+    } catch (const std::bad_alloc&) {
+        MessageBoxW(nullptr, TextOf(TextId::NoMemory), TextOf(TextId::AppName), MB_ICONERROR);
+    } catch (const std::exception& fault) {
+        const std::wstring text =
+            TextOf(TextId::CannotStart) + (L"\n\n" + imgbasic::viewer::Wide(fault.what()));
+        MessageBoxW(nullptr, text.c_str(), TextOf(TextId::AppName), MB_ICONERROR);
+    }
+    if (SUCCEEDED(com)) {
+        CoUninitialize();
+    }
+    return status;
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/viewer/canvas_window.h"
+#include "host/viewer/edited_picture.h"
+#include "host/viewer/filter_runs.h"
+#include "host/viewer/layer_panel.h"
+#include "host/viewer/texts.h"
+#include "host/viewer/window.h"
+
+namespace imgbasic::viewer {
+
+/// The program's window: one picture, and the commands over it.
+class MainWindow : public Window {
+  public:
+    /// Borrows the module.
+    explicit MainWindow(const host::Module& module);
+    ~MainWindow() override;
+
+    /// Opens the files in place of what was open, unless the user wants to keep that.
+    void Open(const std::vector<std::filesystem::path>& paths);
+    /// Saves the picture; false when that failed, which the user has been told.
+    bool SaveTo(const std::filesystem::path& path);
+    /// Runs a filter over files into a folder.
+    void RunBatchOver(const std::string& filter, const std::vector<std::filesystem::path>& inputs,
+                      const std::filesystem::path& folder);
+
+    const EditedPicture& Picture() const { return picture_; }
+    CanvasWindow& Canvas() { return *canvas_; }
+    LayerPanel& Panel() { return *panel_; }
+    FilterRuns& Runs() { return runs_; }
+
+    /// Works off messages until the window is closed; the program's exit status.
+    int Run();
+
+  protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+  private:
+    void OnCommand(int command);
+    void OnDrop(WPARAM drop);
+    void OnDpiChanged(LPARAM lParam);
+    bool Save();
+    bool SaveAs();
+    bool MayLeave();
+    void RunFilter(const std::string& filter);
+    void Finish(const host::RunOutcome& outcome);
+    void AskForBatch(const std::string& filter);
+    void ChooseColor(size_t which);
+    void Show(const host::Document& document);
+    void ShowAll();
+    void ShowTitle();
+    void EnableCommands();
+    void Layout();
+    void Say(TextId headline, const std::string& detail, UINT icon) const;
+    void SayNotes(const std::vector<std::string>& notes) const;
+    std::wstring FileName() const;
+
+    const host::Module& module_;
+    EditedPicture picture_;
+    FilterRuns runs_;
+    bool isRunning_ = false;  ///< the module may have its dialog open
+    HACCEL accelerators_;
+    std::unique_ptr<CanvasWindow> canvas_;
+    std::unique_ptr<LayerPanel> panel_;
+};
+
+}  // namespace imgbasic::viewer
