@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 #include "host/image_file.h"
 #include "host/memory_limit.h"
 #include "host/raster_file.h"
 #include "host/sample_pixels.h"
+#include "host/text_encoding.h"
 #include "host/upright_pixels.h"
 #include "host/wic_library.h"
 
@@ -39,8 +39,7 @@ ComPtr<IWICStream> StreamOf(IWICImagingFactory& factory, const RasterInput& inpu
         auto* const bytes = reinterpret_cast<BYTE*>(const_cast<std::byte*>(input.bytes.data()));
         Check(stream->InitializeFromMemory(bytes, static_cast<DWORD>(input.bytes.size())));
     } else {
-        const std::filesystem::path path(input.path);
-        Check(stream->InitializeFromFilename(path.c_str(), GENERIC_READ));
+        Check(stream->InitializeFromFilename(PathFrom(input.path).c_str(), GENERIC_READ));
     }
     return stream;
 }
