@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# make_screenshots.sh BIN OUT [DPI]: pictures of the five options dialogs as OUT/dialog-FILTER.png.
+# make_screenshots.sh BIN OUT [DPI]: pictures of the five options dialogs as OUT/dialog-FILTER.png
+# and of the viewer with a preview as OUT/viewer.png.
 # Needs a display of its own without a window manager (xvfb-run), a Wine prefix (WINEPREFIX) and
-# BIN with show_dialog.exe beside imgbasic.dll.
+# BIN with show_dialog.exe and imgbasic-viewer.exe beside imgbasic.dll.
 set -euo pipefail
 
 bin=$1
@@ -41,4 +42,20 @@ for filter in nega gray mono col_reduce scaling; do
     xdotool key Escape
     wait $!
 done
+
+# The viewer with the dialog of greyscale open over a preview: Alt+I opens the menu of filters, in
+# which the first one follows the repetition.
+wine "$bin/imgbasic-viewer.exe" samples/landscape.ora >/dev/null &
+take_picture "$out/viewer.png"
+xdotool key alt+i
+sleep 1
+xdotool key Down Down Return
+take_picture "$out/viewer.png"
+xdotool key Tab Down Tab Tab
+xdotool key alt+p
+take_picture "$out/viewer.png"
+xdotool key Escape
+sleep 1
+xdotool key alt+F4
+wait $!
 set_dpi 96

@@ -129,6 +129,12 @@ void MakeExifUpright(std::vector<std::byte>& exif) {
     }
 }
 
+int OrientationOfExif(std::span<const std::byte> exif) {
+    const TiffBytes tiff(exif);
+    const uint32_t orientation = tiff.Value(tiff.FirstDirectory(), kOrientation);
+    return orientation >= 1 && orientation <= 8 ? static_cast<int>(orientation) : 1;
+}
+
 void SetExifSize(std::span<std::byte> exif, int32_t width, int32_t height) {
     const TiffBytes tiff(exif);
     const size_t directory = tiff.Value(tiff.FirstDirectory(), kExifDirectory);

@@ -15,6 +15,9 @@ namespace imgbasic::host {
 /// before any change, goes.
 void MakeExifUpright(std::vector<std::byte>& exif);
 
+/// How the picture lies in its file, 1 to 8; 1, upright, where the block tells none.
+int OrientationOfExif(std::span<const std::byte> exif);
+
 /// The size of the picture, where the block tells one.
 void SetExifSize(std::span<std::byte> exif, int32_t width, int32_t height);
 

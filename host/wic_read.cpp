@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <array>
+#include <string_view>
 
+#include "host/exif.h"
 #include "host/image_file.h"
 #include "host/memory_limit.h"
 #include "host/raster_file.h"
@@ -52,23 +54,46 @@ int DeepBands(const GUID& format) {
                                                                : 0;
 }
 
-/// 1 where the file tells none.
+/// The EXIF block of a JPEG; empty where there is none.
+FileMetadata::Bytes ExifOf(IStream& stream) {
+    constexpr std::string_view kName("Exif\0\0", 6);
+    constexpr unsigned kApp1 = 0xE1;
+    constexpr unsigned kScan = 0xDA;
+    for (int64_t at = 2;;) {
+        std::array<BYTE, 4> head{};
+        ULONG read = 0;
+        LARGE_INTEGER place{};
+        place.QuadPart = at;
+        if (FAILED(stream.Seek(place, STREAM_SEEK_SET, nullptr)) ||
+            FAILED(stream.Read(head.data(), head.size(), &read)) || read < head.size() ||
+            head[0] != 0xFF || head[1] == kScan) {
+            return {};
+        }
+        const auto size = static_cast<ULONG>(head[2] << 8 | head[3]);
+        if (head[1] == kApp1 && size > kName.size() + 2) {
+            FileMetadata::Bytes block(size - 2);
+            if (SUCCEEDED(stream.Read(block.data(), size - 2, &read)) && read == size - 2 &&
+                TextOf(block).starts_with(kName)) {
+                block.erase(block.begin(), block.begin() + kName.size());
+                return block;
+            }
+        }
+        at += 2 + std::max<int64_t>(size, 2);
+    }
+}
+
+/// What a TIFF tells, as EXIF counts; 1 where it tells none.
 int OrientationOf(IWICBitmapFrameDecode& frame) {
     ComPtr<IWICMetadataQueryReader> reader;
-    if (FAILED(frame.GetMetadataQueryReader(reader.GetAddressOf()))) {
+    PROPVARIANT value;
+    PropVariantInit(&value);
+    if (FAILED(frame.GetMetadataQueryReader(reader.GetAddressOf())) ||
+        FAILED(reader->GetMetadataByName(L"/ifd/{ushort=274}", &value))) {
         return 1;
     }
-    for (const wchar_t* const place : {L"/app1/ifd/{ushort=274}", L"/ifd/{ushort=274}"}) {
-        PROPVARIANT value;
-        PropVariantInit(&value);
-        const bool isThere = SUCCEEDED(reader->GetMetadataByName(place, &value));
-        const int orientation = isThere && value.vt == VT_UI2 ? value.uiVal : 0;
-        PropVariantClear(&value);
-        if (orientation != 0) {
-            return orientation;
-        }
-    }
-    return 1;
+    const int orientation = value.vt == VT_UI2 ? value.uiVal : 1;
+    PropVariantClear(&value);
+    return orientation;
 }
 
 FileMetadata::Bytes ProfileOf(IWICImagingFactory& factory, IWICBitmapFrameDecode& frame) {
@@ -107,11 +132,11 @@ std::shared_ptr<FileMetadata> MetadataOf(const OpenedFile& file) {
 OpenedFile Open(const RasterInput& input, const GUID* wantedFormat,
                 std::vector<std::string>& notes) {
     OpenedFile file{.factory = ImagingFactory()};
+    const ComPtr<IWICStream> stream = StreamOf(*file.factory.Get(), input);
     ComPtr<IWICBitmapDecoder> decoder;
     GUID container{};
-    if (FAILED(file.factory->CreateDecoderFromStream(StreamOf(*file.factory.Get(), input).Get(),
-                                                     nullptr, WICDecodeMetadataCacheOnDemand,
-                                                     decoder.GetAddressOf())) ||
+    if (FAILED(file.factory->CreateDecoderFromStream(
+            stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand, decoder.GetAddressOf())) ||
         FAILED(decoder->GetContainerFormat(&container)) ||
         (wantedFormat != nullptr && !IsEqualGUID(container, *wantedFormat))) {
         FailAsUnknown(input.name);
@@ -128,7 +153,14 @@ OpenedFile Open(const RasterInput& input, const GUID* wantedFormat,
     GUID format{};
     Check(file.frame->GetSize(&width, &height));
     Check(file.frame->GetPixelFormat(&format));
-    file.orientation = OrientationOf(*file.frame.Get());
+    FileMetadata::Bytes exif;
+    if (IsEqualGUID(container, GUID_ContainerFormatJpeg)) {
+        exif = ExifOf(*stream.Get());
+        file.orientation = OrientationOfExif(exif);
+        MakeExifUpright(exif);
+    } else {
+        file.orientation = OrientationOf(*file.frame.Get());
+    }
     const int deepBands = DeepBands(format);
     file.bands = deepBands != 0 ? deepBands : 4;
     file.header = {.width = static_cast<int32_t>(width),
@@ -137,7 +169,9 @@ OpenedFile Open(const RasterInput& input, const GUID* wantedFormat,
     if (file.orientation > 4) {
         std::swap(file.header.width, file.header.height);
     }
-    file.header.metadata = MetadataOf(file);
+    const std::shared_ptr<FileMetadata> metadata = MetadataOf(file);
+    metadata->exif = std::move(exif);
+    file.header.metadata = metadata;
     return file;
 }
 

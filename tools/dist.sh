@@ -38,7 +38,7 @@ tar -C dist/work --sort=name --mtime="@$SOURCE_DATE_EPOCH" --owner=0 --group=0 -
 mkdir "dist/work/$windows"
 install -m 644 -t "dist/work/$windows" README.md CHANGELOG.md LICENSE
 install -s --strip-program=x86_64-w64-mingw32-strip -t "dist/work/$windows" \
-    build/win64/bin/imgbasic.dll
+    build/win64/bin/imgbasic.dll build/win64/bin/imgbasic-viewer.exe
 find "dist/work/$windows" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
 (cd dist/work && find "$windows" | LC_ALL=C sort | zip -qX -@ "../$windows.zip")
 

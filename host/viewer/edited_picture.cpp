@@ -82,7 +82,7 @@ Document LoadAsLayers(const std::vector<std::filesystem::path>& paths,
 void EditedPicture::Open(Document document, std::filesystem::path path) {
     state_ = {std::move(document), ++lastRevision_};
     path_ = std::move(path);
-    savedRevision_ = path_.empty() ? 0 : lastRevision_;
+    savedRevision_ = lastRevision_;
     past_.clear();
     future_.clear();
     current = {};

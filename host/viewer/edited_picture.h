@@ -30,7 +30,7 @@ class EditedPicture {
     const std::filesystem::path& Path() const { return path_; }  ///< empty without a file
     bool HasChanged() const { return state_.revision != savedRevision_; }
 
-    /// A new document, which has no past. Without a path it has not been saved.
+    /// A new document, which has no past; several files together have no path.
     void Open(host::Document document, std::filesystem::path path);
 
     /// The result of a run.

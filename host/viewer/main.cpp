@@ -19,12 +19,12 @@ std::vector<std::filesystem::path> NamedFiles() {
     return files;
 }
 
-int Run() {
+void Run() {
     const host::Module module = host::LoadModule(host::FindModule());
     MainWindow window(module);
     ShowWindow(window.Handle(), SW_SHOWDEFAULT);
     window.Open(NamedFiles());
-    return window.Run();
+    window.Run();
 }
 
 }  // namespace
@@ -38,7 +38,8 @@ int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, wchar_t* /*l
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     int status = 1;
     try {
-        status = imgbasic::viewer::Run();
+        imgbasic::viewer::Run();
+        status = 0;
     } catch (const std::bad_alloc&) {
         MessageBoxW(nullptr, TextOf(TextId::NoMemory), TextOf(TextId::AppName), MB_ICONERROR);
     } catch (const std::exception& fault) {

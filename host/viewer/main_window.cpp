@@ -52,16 +52,15 @@ MainWindow::~MainWindow() {
     DestroyAcceleratorTable(accelerators_);
 }
 
-int MainWindow::Run() {
+void MainWindow::Run() {
     MSG message;
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    while (Handle() != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (TranslateAcceleratorW(Handle(), accelerators_, &message) == 0 &&
             IsDialogMessageW(Handle(), &message) == FALSE) {
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }
     }
-    return static_cast<int>(message.wParam);
 }
 
 LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -92,9 +91,6 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (!isRunning_ && MayLeave()) {
                 DestroyWindow(Handle());
             }
-            return 0;
-        case WM_DESTROY:
-            PostQuitMessage(0);
             return 0;
         default:
             return Window::OnMessage(message, wParam, lParam);

@@ -33,8 +33,8 @@ class MainWindow : public Window {
     LayerPanel& Panel() { return *panel_; }
     FilterRuns& Runs() { return runs_; }
 
-    /// Works off messages until the window is closed; the program's exit status.
-    int Run();
+    /// Works off messages until the window is closed.
+    void Run();
 
   protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -69,10 +69,7 @@ void ProgressWindow::Report(const std::wstring& headline, const std::wstring& li
 }
 
 void ProgressWindow::Dispatch(MSG& message) {
-    if (message.message == WM_QUIT) {
-        PostQuitMessage(static_cast<int>(message.wParam));
-        stopped_ = true;
-    } else if (IsDialogMessageW(Handle(), &message) == FALSE) {
+    if (IsDialogMessageW(Handle(), &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }

@@ -48,7 +48,7 @@ constexpr TextRow kTexts[] = {
     {TextId::PngFile, L"PNG, one picture", L"PNG (1枚の画像)"},
     {TextId::OpenRasterFile, L"OpenRaster, with layers", L"OpenRaster (レイヤー付き)"},
     {TextId::ChooseFolder, L"Folder for the results", L"結果の保存先フォルダ"},
-    {TextId::SaveChanges, L"Save the changes to %s?", L"%s への変更を保存しますか?"},
+    {TextId::SaveChanges, L"Save the changes to %ls?", L"%ls への変更を保存しますか?"},
     {TextId::CannotOpen, L"The file cannot be opened.", L"ファイルを開けません。"},
     {TextId::CannotSave, L"The picture cannot be saved.", L"画像を保存できません。"},
     {TextId::CannotRun, L"The filter did not run; the picture is as it was.",
@@ -57,13 +57,13 @@ constexpr TextRow kTexts[] = {
      L"フィルタモジュールがないため、起動できません。"},
     {TextId::Remarks, L"Please note:", L"ご注意:"},
     {TextId::NoMemory, L"There is not enough memory.", L"メモリが足りません。"},
-    {TextId::Progress, L"%zu of %zu: %s", L"%zu / %zu: %s"},
+    {TextId::Progress, L"%zu of %zu: %ls", L"%zu / %zu: %ls"},
     {TextId::Cancel, L"Cancel", L"キャンセル"},
     {TextId::Close, L"Close", L"閉じる"},
-    {TextId::BatchDone, L"%zu of %zu files were written to %s.",
-     L"%zu / %zu 個のファイルを %s に保存しました。"},
-    {TextId::BatchStopped, L"Cancelled: %zu of %zu files were written to %s.",
-     L"中止しました: %zu / %zu 個のファイルを %s に保存しました。"},
+    {TextId::BatchDone, L"%zu of %zu files were written to %ls.",
+     L"%zu / %zu 個のファイルを %ls に保存しました。"},
+    {TextId::BatchStopped, L"Cancelled: %zu of %zu files were written to %ls.",
+     L"中止しました: %zu / %zu 個のファイルを %ls に保存しました。"},
 };
 
 consteval bool IsInOrder() {

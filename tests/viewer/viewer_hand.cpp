@@ -10,6 +10,7 @@ namespace {
 
 constexpr auto kPause = std::chrono::milliseconds(10);
 constexpr int kMostPauses = 1000;
+constexpr int kTextId = 0xFFFF;  // of a message box
 
 /// A visible message box of a process; null when there is none.
 HWND BoxOf(DWORD process) {
@@ -37,10 +38,9 @@ std::vector<std::wstring> WithBoxesAnswered(const std::function<void()>& work, i
             if (box == nullptr) {
                 continue;
             }
-            constexpr int kTextId = 0xFFFF;
             texts.push_back(TextIn(GetDlgItem(box, kTextId)));
-            PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
             while (!over && IsWindow(box) != FALSE) {
+                PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
                 std::this_thread::sleep_for(kPause);
             }
         }

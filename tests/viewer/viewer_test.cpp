@@ -57,7 +57,7 @@ host::Layer PaintedLayer(const Document& document, const char* name, PixelRect b
 
 /// Two layers and a folder with a third over an opaque ground.
 Document PaintedDocument() {
-    Document document{60, 40, 8, {}};
+    Document document{60, 40, 16, {}};
     document.items.emplace_back(PaintedLayer(document, "上 top", {5, 5, 30, 25}, 7));
     host::Folder folder;
     folder.name = "folder";
@@ -158,7 +158,13 @@ class Viewer : public testing::Test {
 
     void ExpectSame(const Document& a, const Document& b) {
         EXPECT_EQ(host::CountLayers(a.items), host::CountLayers(b.items));
-        EXPECT_EQ(host::Flatten(a), host::Flatten(b));
+        const std::vector<RGBA16> left = host::Flatten(a);
+        const std::vector<RGBA16> right = host::Flatten(b);
+        ASSERT_EQ(left.size(), right.size());
+        const auto at = std::ranges::mismatch(left, right).in1 - left.begin();
+        EXPECT_TRUE(left == right)
+            << "from pixel " << at << " on: " << testing::PrintToString(left[at])
+            << testing::PrintToString(right[at]);
     }
 
     const fs::path folder_ = fs::temp_directory_path() / "imgbasic-viewer-tests";
@@ -198,10 +204,10 @@ const FilterCase kCases[] = {
      }},
     {"scaling",
      L"拡大縮小",
-     {{"RatioSize", 0}, {"newWidth", 90}, {"newHeight", 60}, {"InterType", 1}},
+     {{"RatioSize", 0}, {"newWidth", 90}, {"newHeight", 60}, {"InterType", 0}},
      [](const DialogHand& hand) {
          hand.Type(1320, L"90");
-         hand.Pick(1333, 1);
+         hand.Pick(1333, 0);
      }},
 };
 
