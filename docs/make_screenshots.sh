@@ -43,16 +43,15 @@ for filter in nega gray mono col_reduce scaling; do
     wait $!
 done
 
-# The viewer with the dialog of greyscale open over a preview: Alt+I opens the menu of filters, in
-# which the first one follows the repetition.
+# The viewer with a preview of the two-level conversion, its dialog still open: Alt+I opens the menu
+# of filters.
 wine "$bin/imgbasic-viewer.exe" samples/landscape.ora >/dev/null &
 take_picture "$out/viewer.png"
 xdotool key alt+i
 sleep 1
 xdotool key Down Down Return
 take_picture "$out/viewer.png"
-xdotool key Tab Down Tab Tab
-xdotool key alt+p
+xdotool key Down Down Tab Tab Tab space
 take_picture "$out/viewer.png"
 xdotool key Escape
 sleep 1

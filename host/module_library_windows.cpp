@@ -34,7 +34,7 @@ void LibraryCloser::operator()(void* library) const {
 std::filesystem::path FindModule(const std::filesystem::path& /*installedFolder*/) {
     std::wstring program(32768, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    const auto path = std::filesystem::path(program).replace_filename(kFileName);
+    auto path = std::filesystem::path(program).replace_filename(kFileName);
     if (!exists(path)) {
         throw ModuleError(path.string() + ": the filter module is not there; " + kModuleWayOut);
     }

@@ -196,7 +196,6 @@ std::vector<RGBA16> PixelsOf(const OpenedFile& file) {
     Check(source->GetSize(&width, &height));
     const UINT stride = width * static_cast<UINT>(file.bands) * (deep ? 2U : 1U);
     std::vector<BYTE> samples(size_t{stride} * kStrip);
-    std::vector<RGBA16> strip(size_t{width} * kStrip);
     UprightPixels upright(static_cast<int32_t>(width), static_cast<int32_t>(height),
                           file.orientation);
     for (UINT top = 0; top < height; top += kStrip) {
@@ -204,7 +203,7 @@ std::vector<RGBA16> PixelsOf(const OpenedFile& file) {
         const WICRect area{0, static_cast<INT>(top), static_cast<INT>(width),
                            static_cast<INT>(rows)};
         Check(source->CopyPixels(&area, stride, stride * rows, samples.data()));
-        const auto pixels = std::span(strip).first(size_t{width} * rows);
+        const std::span<RGBA16> pixels = upright.NextRows(rows);
         if (deep) {
             ConvertSamples(reinterpret_cast<const uint16_t*>(samples.data()), file.bands, pixels);
         } else {
@@ -213,7 +212,7 @@ std::vector<RGBA16> PixelsOf(const OpenedFile& file) {
                 std::swap(pixel.r, pixel.b);
             }
         }
-        upright.Append(pixels);
+        upright.Place();
     }
     return upright.Take();
 }

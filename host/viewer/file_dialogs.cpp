@@ -29,7 +29,7 @@ ComPtr<Dialog> MakeDialog(const CLSID& id, FILEOPENDIALOGOPTIONS further) {
 std::filesystem::path PathOf(IShellItem& item) {
     wchar_t* name = nullptr;
     Check(item.GetDisplayName(SIGDN_FILESYSPATH, &name));
-    const std::filesystem::path path(name);
+    std::filesystem::path path(name);
     CoTaskMemFree(name);
     return path;
 }
@@ -111,6 +111,18 @@ uint32_t AskForColor(HWND owner, uint32_t color) {
     choice.lpCustColors = custom.data();
     choice.Flags = CC_FULLOPEN | CC_RGBINIT;
     return ChooseColorW(&choice) != FALSE ? swapped(choice.rgbResult) : color;
+}
+
+std::vector<std::filesystem::path> DroppedFiles(HDROP drop) {
+    std::vector<std::filesystem::path> paths;
+    const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
+    for (UINT i = 0; i < count; ++i) {
+        std::wstring path(DragQueryFileW(drop, i, nullptr, 0) + 1, L'\0');
+        path.resize(DragQueryFileW(drop, i, path.data(), static_cast<UINT>(path.size())));
+        paths.emplace_back(path);
+    }
+    DragFinish(drop);
+    return paths;
 }
 
 }  // namespace imgbasic::viewer

@@ -2,12 +2,14 @@
 
 #include <windows.h>
 
+#include <shellapi.h>
+
 #include <filesystem>
 #include <vector>
 
 namespace imgbasic::viewer {
 
-// The system's dialogs; what the user cancelled comes back empty.
+// The system's ways of choosing files and colours; what the user cancelled comes back empty.
 
 std::vector<std::filesystem::path> AskForPictures(HWND owner);
 
@@ -15,6 +17,9 @@ std::vector<std::filesystem::path> AskForPictures(HWND owner);
 std::filesystem::path AskWhereToSave(HWND owner, const std::filesystem::path& proposed);
 
 std::filesystem::path AskForFolder(HWND owner);
+
+/// What was dropped on a window; `drop` ends.
+std::vector<std::filesystem::path> DroppedFiles(HDROP drop);
 
 /// Any colour, 0x00RRGGBB; `color` when cancelled.
 uint32_t AskForColor(HWND owner, uint32_t color);

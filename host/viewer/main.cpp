@@ -14,7 +14,7 @@ namespace {
 std::vector<std::filesystem::path> NamedFiles() {
     int count = 0;
     wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
-    const std::vector<std::filesystem::path> files(words + 1, words + count);
+    std::vector<std::filesystem::path> files(words + 1, words + count);
     LocalFree(static_cast<HLOCAL>(words));
     return files;
 }

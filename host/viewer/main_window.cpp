@@ -1,7 +1,5 @@
 #include "host/viewer/main_window.h"
 
-#include <shellapi.h>
-
 #include <cmath>
 #include <cstdio>
 #include <utility>
@@ -11,6 +9,7 @@
 #include "host/viewer/batch_window.h"
 #include "host/viewer/file_dialogs.h"
 #include "host/viewer/menu.h"
+#include "host/viewer/messages.h"
 #include "host/viewer/texts.h"
 
 namespace imgbasic::viewer {
@@ -18,10 +17,6 @@ namespace {
 
 constexpr SIZE kSize{960, 680};
 constexpr int kPanelWidth = 260;
-
-FlatPicture Flat(const host::Document& document) {
-    return {document.width, document.height, host::Flatten(document)};
-}
 
 }  // namespace
 
@@ -68,22 +63,30 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
             Layout();
             return 0;
-        case WM_DPICHANGED:
-            OnDpiChanged(lParam);
+        case WM_DPICHANGED: {
+            const RECT& place = *reinterpret_cast<const RECT*>(lParam);
+            SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left,
+                         place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
             return 0;
+        }
         case WM_SETFOCUS:
             SetFocus(canvas_ ? canvas_->Handle() : nullptr);
             return 0;
         case WM_MOUSEWHEEL:  // from whichever control has the focus
             return canvas_ ? SendMessageW(canvas_->Handle(), message, wParam, lParam) : 0;
         case WM_INITMENUPOPUP:
-            EnableCommands();
+            EnableCommands(GetMenu(Handle()), {.isOpen = !picture_.IsEmpty(),
+                                               .canUndo = picture_.CanUndo(),
+                                               .canRedo = picture_.CanRedo(),
+                                               .canRepeat = !runs_.LastFilter().empty()});
             return 0;
         case WM_COMMAND:
             OnCommand(LOWORD(wParam));
             return 0;
         case WM_DROPFILES:
-            OnDrop(wParam);
+            if (const auto files = DroppedFiles(reinterpret_cast<HDROP>(wParam)); !isRunning_) {
+                Open(files);
+            }
             return 0;
         case WM_QUERYENDSESSION:
             return !isRunning_ && MayLeave() ? TRUE : FALSE;
@@ -160,21 +163,6 @@ void MainWindow::OnCommand(int command) {
     }
 }
 
-void MainWindow::OnDrop(WPARAM drop) {
-    auto* const files = reinterpret_cast<HDROP>(drop);
-    std::vector<std::filesystem::path> paths;
-    const UINT count = DragQueryFileW(files, 0xFFFFFFFF, nullptr, 0);
-    for (UINT i = 0; i < count; ++i) {
-        std::wstring path(DragQueryFileW(files, i, nullptr, 0) + 1, L'\0');
-        path.resize(DragQueryFileW(files, i, path.data(), static_cast<UINT>(path.size())));
-        paths.emplace_back(path);
-    }
-    DragFinish(files);
-    if (!isRunning_) {
-        Open(paths);
-    }
-}
-
 void MainWindow::Open(const std::vector<std::filesystem::path>& paths) {
     if (paths.empty() || !MayLeave()) {
         return;
@@ -184,11 +172,11 @@ void MainWindow::Open(const std::vector<std::filesystem::path>& paths) {
         picture_.Open(LoadAsLayers(paths, notes),
                       paths.size() == 1 ? paths.front() : std::filesystem::path());
     } catch (const host::FileError& fault) {
-        Say(TextId::CannotOpen, fault.what(), MB_ICONERROR);
+        Say(Handle(), TextId::CannotOpen, fault.what(), MB_ICONERROR);
         return;
     }
     ShowAll();
-    SayNotes(notes);
+    SayNotes(Handle(), notes);
 }
 
 bool MainWindow::Save() {
@@ -206,9 +194,9 @@ bool MainWindow::SaveAs() {
 
 bool MainWindow::SaveTo(const std::filesystem::path& path) {
     try {
-        SayNotes(picture_.Save(path));
+        SayNotes(Handle(), picture_.Save(path));
     } catch (const host::FileError& fault) {
-        Say(TextId::CannotSave, fault.what(), MB_ICONERROR);
+        Say(Handle(), TextId::CannotSave, fault.what(), MB_ICONERROR);
         return false;
     }
     ShowTitle();
@@ -217,15 +205,10 @@ bool MainWindow::SaveTo(const std::filesystem::path& path) {
 
 /// Whether the picture may go: it is saved, or the user gives the changes up.
 bool MainWindow::MayLeave() {
-    if (picture_.IsEmpty() || !picture_.HasChanged()) {
+    if (!picture_.HasChanged()) {
         return true;
     }
-    std::wstring question(1024, L'\0');
-    question.resize(static_cast<size_t>(std::swprintf(question.data(), question.size(),
-                                                      TextOf(TextId::SaveChanges),
-                                                      FileName().substr(0, 260).c_str())));
-    const int answer = MessageBoxW(Handle(), question.c_str(), TextOf(TextId::AppName),
-                                   MB_YESNOCANCEL | MB_ICONQUESTION);
+    const int answer = AskToSave(Handle(), FileName());
     return answer == IDNO || (answer == IDYES && Save());
 }
 
@@ -243,7 +226,7 @@ void MainWindow::RunFilter(const std::string& filter) {
 void MainWindow::Finish(const host::RunOutcome& outcome) {
     ShowAll();
     if (outcome.status == host::RunStatus::Failed) {
-        Say(TextId::CannotRun, outcome.fault, MB_ICONWARNING);
+        Say(Handle(), TextId::CannotRun, outcome.fault, MB_ICONWARNING);
     }
 }
 
@@ -273,7 +256,7 @@ void MainWindow::ChooseColor(size_t which) {
 }
 
 void MainWindow::Show(const host::Document& document) {
-    canvas_->Show(Flat(document));
+    canvas_->Show({document.width, document.height, host::Flatten(document)});
     ShowTitle();
 }
 
@@ -298,29 +281,6 @@ void MainWindow::ShowTitle() {
     SetWindowTextW(Handle(), (title + TextOf(TextId::AppName)).c_str());
 }
 
-void MainWindow::EnableCommands() {
-    const HMENU menu = GetMenu(Handle());
-    const auto enable = [menu](int command, bool can) {
-        EnableMenuItem(menu, static_cast<UINT>(command), can ? MF_ENABLED : MF_GRAYED);
-    };
-    const bool isOpen = !picture_.IsEmpty();
-    for (int command = kFirstFilter; GetMenuState(menu, static_cast<UINT>(command), 0) != ~0U;
-         ++command) {
-        enable(command, isOpen);
-    }
-    enable(kSave, isOpen);
-    enable(kSaveAs, isOpen);
-    enable(kUndo, picture_.CanUndo());
-    enable(kRedo, picture_.CanRedo());
-    enable(kRepeat, isOpen && !runs_.LastFilter().empty());
-}
-
-void MainWindow::OnDpiChanged(LPARAM lParam) {
-    const RECT& place = *reinterpret_cast<const RECT*>(lParam);
-    SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left,
-                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 void MainWindow::Layout() {
     if (!panel_) {
         return;
@@ -329,21 +289,6 @@ void MainWindow::Layout() {
     const int panel = std::min<int>(Scaled(kPanelWidth), client.cx / 2);
     MoveWindow(canvas_->Handle(), 0, 0, client.cx - panel, client.cy, TRUE);
     MoveWindow(panel_->Handle(), client.cx - panel, 0, panel, client.cy, TRUE);
-}
-
-void MainWindow::Say(TextId headline, const std::string& detail, UINT icon) const {
-    const std::wstring text = TextOf(headline) + (L"\n\n" + Wide(detail));
-    MessageBoxW(Handle(), text.c_str(), TextOf(TextId::AppName), icon);
-}
-
-void MainWindow::SayNotes(const std::vector<std::string>& notes) const {
-    std::string all;
-    for (const std::string& note : notes) {
-        all += note + "\n";
-    }
-    if (!all.empty()) {
-        Say(TextId::Remarks, all, MB_ICONINFORMATION);
-    }
 }
 
 std::wstring MainWindow::FileName() const {

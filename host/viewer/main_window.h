@@ -8,7 +8,6 @@
 #include "host/viewer/edited_picture.h"
 #include "host/viewer/filter_runs.h"
 #include "host/viewer/layer_panel.h"
-#include "host/viewer/texts.h"
 #include "host/viewer/window.h"
 
 namespace imgbasic::viewer {
@@ -41,8 +40,6 @@ class MainWindow : public Window {
 
   private:
     void OnCommand(int command);
-    void OnDrop(WPARAM drop);
-    void OnDpiChanged(LPARAM lParam);
     bool Save();
     bool SaveAs();
     bool MayLeave();
@@ -53,10 +50,7 @@ class MainWindow : public Window {
     void Show(const host::Document& document);
     void ShowAll();
     void ShowTitle();
-    void EnableCommands();
     void Layout();
-    void Say(TextId headline, const std::string& detail, UINT icon) const;
-    void SayNotes(const std::vector<std::string>& notes) const;
     std::wstring FileName() const;
 
     const host::Module& module_;

@@ -103,6 +103,21 @@ HMENU MakeMenu(const host::Module& module) {
     return bar;
 }
 
+void EnableCommands(HMENU menu, const CommandState& state) {
+    const auto enable = [menu](int command, bool can) {
+        EnableMenuItem(menu, static_cast<UINT>(command), can ? MF_ENABLED : MF_GRAYED);
+    };
+    for (int command = kFirstFilter; GetMenuState(menu, static_cast<UINT>(command), 0) != ~0U;
+         ++command) {
+        enable(command, state.isOpen);
+    }
+    enable(kSave, state.isOpen);
+    enable(kSaveAs, state.isOpen);
+    enable(kUndo, state.canUndo);
+    enable(kRedo, state.canRedo);
+    enable(kRepeat, state.isOpen && state.canRepeat);
+}
+
 HACCEL MakeAccelerators() {
     return CreateAcceleratorTableW(const_cast<ACCEL*>(kKeys), static_cast<int>(std::size(kKeys)));
 }

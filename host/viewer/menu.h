@@ -31,6 +31,17 @@ enum Command : int {
 /// The main menu; the filters are called what the module calls them.
 HMENU MakeMenu(const host::Module& module);
 
+/// What the commands can do now.
+struct CommandState {
+    bool isOpen;
+    bool canUndo;
+    bool canRedo;
+    bool canRepeat;
+};
+
+/// Greys out what cannot be done.
+void EnableCommands(HMENU menu, const CommandState& state);
+
 /// The keys of the commands; the caller destroys it.
 HACCEL MakeAccelerators();
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "lib/base/atomic_replacement.h"
 
@@ -47,7 +48,10 @@ int ErrnoOf(DWORD error) {
 fs::path FollowLinks(fs::path path) {
     std::error_code error;
     fs::path end = fs::is_symlink(path, error) ? fs::weakly_canonical(path, error) : fs::path();
-    return error || end.empty() ? path : end;
+    if (!error && !end.empty()) {
+        path = std::move(end);
+    }
+    return path;
 }
 
 bool IsReadOnly(const fs::path& path) {
