@@ -147,7 +147,7 @@ class Test:
             ["gimp", "-i", "-d", "-f", "-b", f'(load "{self.path("cases.scm")}")',
              "-b", "(gimp-quit 1)"],
             env={**os.environ, "GIMP2_DIRECTORY": profile, "LC_ALL": "C.UTF-8", "LANGUAGE": ""},
-            text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=300)
+            text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=1200)
         return run.stdout
 
     def filter_pictures(self):
