@@ -15,7 +15,6 @@
 #include "host/openraster.h"
 #include "host/openraster_archive.h"
 #include "host/raster_file.h"
-#include "host/vips_library.h"
 #include "lib/base/ascii.h"
 
 namespace imgbasic::host {
@@ -178,10 +177,6 @@ Document ReadStream(const std::filesystem::path& path, std::vector<std::string>&
 
 std::string InputName(const std::filesystem::path& path) {
     return path == kStandardStream ? "standard input" : path.string();
-}
-
-void StartCodecs() {
-    StartVips();
 }
 
 Document LoadDocument(const std::filesystem::path& path, std::vector<std::string>* notes,

@@ -17,6 +17,10 @@ void StartVips() {
     (void)started;
 }
 
+void StartCodecs() {
+    StartVips();
+}
+
 std::string LastLine(const vips::VError& error) {
     vips_error_clear();
     std::string text = error.what();
