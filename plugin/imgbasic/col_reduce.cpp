@@ -1,12 +1,12 @@
 #include "plugin/imgbasic/col_reduce.h"
 
 #include <algorithm>
+#include <vector>
 
-#include "lib/image/dither/map_to_indexed.h"
+#include "lib/image/dither/row_mapper.h"
 #include "lib/image/palette/quantize_palette.h"
+#include "lib/image/reduce/host_palette.h"
 #include "lib/image/reduce/quantize_graduated.h"
-#include "lib/image/reduce/reduce_bitmap.h"
-#include "lib/image/reduce/work_bitmap.h"
 #include "plugin/imgbasic/target.h"
 
 namespace imgbasic {
@@ -19,8 +19,8 @@ bool ReduceColorImageProcess::Execute(const ExecuteArgs& args) {
     }
     return ProcessTarget(*this, args, action, MergedResult::Announced,
                          [&](const RGBA16* src, PixelRect rect) {
-                             const auto bitmap = MakeWorkBitmap(src, width, rect);
-                             return bitmap != nullptr && MapAndWrite(args.dst, rect, *bitmap);
+                             ColorRows rows(src, width, rect);
+                             return MapAndWrite(args.dst, rect, rows);
                          });
 }
 
@@ -36,30 +36,43 @@ bool ReduceColorImageProcess::BuildSharedPalette(const ExecuteArgs& args) {
     if (rect.IsEmpty()) {
         return true;
     }
-    const auto bitmap = MakeWorkBitmap(args.src, width, rect);
-    if (bitmap == nullptr) {
-        return false;
-    }
+    ColorRows rows(args.src, width, rect);
     sharedPalette_.reset();
     auto palette = std::make_unique<ReducePalette>();
-    if (!(GraduateReduce ? QuantizeGraduated(*palette, bitmap.get(), ColorLimit())
-                         : QuantizePalette(*palette, bitmap.get(), -ColorLimit()))) {
+    if (!ChoosePalette(*palette, rows)) {
         return false;
     }
     sharedPalette_ = std::move(palette);
     return true;
 }
 
-bool ReduceColorImageProcess::MapAndWrite(RGBA16* dst, PixelRect rect,
-                                          const KVBitmap& bitmap) const {
-    const auto indexed = SharePalette && sharedPalette_ != nullptr
-                             ? MapToIndexed(*sharedPalette_, &bitmap, DitherType)
-                             : ReduceBitmap(&bitmap, -ColorLimit(), DitherType, GraduateReduce);
-    if (indexed == nullptr) {
+bool ReduceColorImageProcess::ChoosePalette(ReducePalette& palette, ColorRows& rows) const {
+    return GraduateReduce ? QuantizeGraduated(palette, rows, ColorLimit())
+                          : QuantizeRows(palette, rows, -ColorLimit());
+}
+
+bool ReduceColorImageProcess::MapAndWrite(RGBA16* dst, PixelRect rect, ColorRows& rows) const {
+    const bool shared = SharePalette && sharedPalette_ != nullptr;
+    ReducePalette own;
+    if (!shared && !ChoosePalette(own, rows)) {
         return false;
     }
-    if (dst != nullptr) {
-        WriteIndexed(dst, width, rect, *indexed);
+    const ReducePalette& palette = shared ? *sharedPalette_ : own;
+    RowMapper mapper(palette, DitherType, rows.Width());
+    if (!mapper.IsReady()) {
+        return false;
+    }
+    if (dst == nullptr) {
+        return true;
+    }
+    const HostPalette colors(palette);
+    const Store store = StoreFor(rows.PixelCount());
+    std::vector<uint8_t> indices(rows.Width());
+    const auto stride = static_cast<size_t>(width);
+    RGBA16* row = dst + static_cast<size_t>(rect.top) * stride + static_cast<size_t>(rect.left);
+    for (int32_t y = 0; y < rows.Height(); ++y, row += stride) {
+        mapper.MapRow(rows.Row(y), indices, rows.Ahead(y));
+        colors.WriteRow(row, indices, store);
     }
     return true;
 }

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "lib/image/bitmap/kv_bitmap.h"
+#include "lib/image/palette/color_rows.h"
 #include "lib/image/palette/reduce_palette.h"
 #include "plugin/imgbasic/target_process.h"
 
@@ -30,7 +30,8 @@ class ReduceColorImageProcess final : public TargetImageProcess {
     int32_t ColorLimit() const;
     /// Chooses the palette from the visited item's pixels; true when there are none.
     bool BuildSharedPalette(const ExecuteArgs& args);
-    bool MapAndWrite(RGBA16* dst, PixelRect rect, const KVBitmap& bitmap) const;
+    bool ChoosePalette(ReducePalette& palette, ColorRows& rows) const;
+    bool MapAndWrite(RGBA16* dst, PixelRect rect, ColorRows& rows) const;
 
     std::unique_ptr<ReducePalette> sharedPalette_;
 };

@@ -6,103 +6,133 @@
 
 #include "lib/image/dither/closest_entry_lookup.h"
 #include "lib/image/palette/color_word.h"
+#include "lib/image/simd/fetch_ahead.h"
 
 // For files that are compiled for AVX2; everything here has internal linkage.
+//
+// Ranks (see CandidateBlock) know squared distances only. Where two entries are at the least
+// distance, ClosestEntryLookup::Find decides, and so it does for cells without a block of their
+// own, whose block is one in which all ranks are alike. Two entries are at the least distance
+// when the least rank is another's once the indices are complemented, which turns their order
+// round.
 namespace imgbasic {
 
-/// An entry, its channels as the low four 16-bit lanes.
-struct ClosestEntry {
-    __m128i lanes;
-    uint8_t index;
-};
-
-/// The channels of the pixel word in the low 32 bits as four 16-bit lanes.
-static inline __m128i ChannelLanes(__m128i word) {
-    return _mm_cvtepu8_epi16(word);
+static inline __m256i ComplementedIndices(__m256i ranks) {
+    return _mm256_xor_si256(ranks, _mm256_set1_epi32((1 << CandidateBlock::kIndexBits) - 1));
 }
 
-static inline __m128i ChannelLanes(uint32_t word) {
-    return ChannelLanes(_mm_cvtsi32_si128(static_cast<int>(word)));
+/// The ranks of a block's entries for a colour, whose low bits fill every lane of `lowBits`.
+static inline __m256i RanksOf(const CandidateBlock& block, __m256i lowBits) {
+    const __m256i weights = _mm256_load_si256(reinterpret_cast<const __m256i*>(block.weights));
+    const __m256i ranks = _mm256_load_si256(reinterpret_cast<const __m256i*>(block.ranks));
+    const __m256i factor = _mm256_set1_epi16(-2 << CandidateBlock::kIndexBits);
+    const __m256i pairs = _mm256_maddubs_epi16(lowBits, weights);
+    return _mm256_add_epi32(_mm256_madd_epi16(pairs, factor), ranks);
 }
 
-/// Squared distances of eight colours from `query`, the channel lanes over and over, as 16-bit
-/// lanes that saturate. Only the lanes of `mask` count.
-///
-///      squares of colours 0 to 3     b+g r+a b+g r+a | b+g r+a b+g r+a     sums of two channels
-///                                       0       1    |    2       3
-///      hadd with those of 4 to 7      0   1   4   5  |  2   3   6   7      32-bit sums
-///      packus                       0 1 4 5 2 3 6 7                        16 bits, saturated
-///      shuffle, by pairs            0 1 2 3 4 5 6 7
-///
-/// The two halves of a 256-bit register do not mix on the way, hence the order that the shuffle
-/// puts right.
-static inline __m128i Distances(__m256i colors, __m256i query, __m256i mask) {
-    const auto squares = [&](__m128i words) {
-        const __m256i lanes = _mm256_sub_epi16(_mm256_cvtepu8_epi16(words), query);
-        const __m256i counted = _mm256_and_si256(lanes, mask);
-        return _mm256_madd_epi16(counted, counted);
+/// What of a colour is above the least colour of its grid cell.
+static inline __m256i LowBits(__m256i colors) {
+    return _mm256_and_si256(colors, _mm256_set1_epi8(0xFF >> CandidateGrid::kBits));
+}
+
+/// TableCellOf of eight colours.
+static inline __m256i CellsOf(__m256i colors) {
+    static_assert(ClosestEntryTables::kBits == 5 && CandidateGrid::kBits == 3);
+    const auto bits = [&](int shift, int mask) {
+        return _mm256_and_si256(_mm256_srli_epi32(colors, shift), _mm256_set1_epi32(mask));
     };
-    const __m256i sums = _mm256_hadd_epi32(squares(_mm256_castsi256_si128(colors)),
-                                           squares(_mm256_extracti128_si256(colors, 1)));
-    const __m128i packed =
-        _mm_packus_epi32(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
-    return _mm_shuffle_epi32(packed, _MM_SHUFFLE(3, 1, 2, 0));
+    return _mm256_or_si256(_mm256_or_si256(bits(3, 0x1F), bits(6, 0x1F << 5)),
+                           _mm256_or_si256(bits(9, 0x1F << 10), bits(14, 0x7 << 15)));
 }
 
-/// ClosestEntryLookup::Find for a colour whose channel lanes are at hand: eight entries a step, the
-/// least distance and its place by one instruction (minpos). It knows distances only. Where that is
-/// not enough, Find decides: for cells that are new or have no candidates, and where the least
-/// distance is there twice, in one block or in two. Distances of 65535 and more, which saturate,
-/// look equal and so end up there as well.
+/// Lane i of the result is the least lane of rows[i]: each step pairs what is left of two rows.
 ///
-/// Spare entries of a block are copies of its first. They cannot be found, since minpos takes the
-/// first of equals; `used` keeps them from looking like ties.
-static inline ClosestEntry FindClosestAvx2(ClosestEntryLookup& lookup,
-                                           const ClosestEntryTables& tables, uint32_t color,
-                                           __m128i lanes, __m256i mask) {
-    const auto decide = [&] {
-        const uint8_t index = lookup.Find(color);
-        return ClosestEntry{ChannelLanes(tables.colors[index]), index};
+///      rows 0, 1    0 1 0 1 | 0 1 0 1        of two rows alternating, half as many candidates
+///      with 2, 3    0 1 2 3 | 0 1 2 3
+///      with 4 - 7   0 1 2 3 | 4 5 6 7
+static inline __m256i LeastOfEach(const __m256i (&rows)[8]) {
+    const auto two = [&](int i) {
+        return _mm256_min_epi32(_mm256_unpacklo_epi32(rows[i], rows[i + 1]),
+                                _mm256_unpackhi_epi32(rows[i], rows[i + 1]));
     };
-    const uint32_t cell = tables.cells[CellOf<ClosestEntryTables::kBits>(color)];
-    if (cell == ClosestEntryTables::kUnknown || cell == ClosestEntryTables::kSearchPalette) {
-        return decide();
-    }
-    const __m256i query = _mm256_broadcastq_epi64(lanes);
-    ClosestEntry closest{};
-    uint32_t best = 0xFFFFFFFF;
-    for (const CandidateBlock* block = tables.blocks + cell;; ++block) {
-        const __m256i colors = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block->colors));
-        const __m128i distances = Distances(colors, query, mask);
-        const __m128i minimum = _mm_minpos_epu16(distances);
-        const auto found = static_cast<uint32_t>(_mm_cvtsi128_si32(minimum));
-        const uint32_t distance = found & 0xFFFF;
-        const uint32_t place = found >> 16;
-        const __m128i equal = _mm_cmpeq_epi16(distances, _mm_broadcastw_epi16(minimum));
-        const uint32_t used = 0xFFFFU >> (16 - 2 * block->count);
-        const bool tie =
-            (static_cast<uint32_t>(_mm_movemask_epi8(equal)) & used) != 3U << 2 * place;
-        if (tie || distance == best) {
-            return decide();
-        }
-        if (distance < best) {
-            best = distance;
-            // The lanes are ready sooner from the block than by way of the index.
-            const __m256i number = _mm256_castsi128_si256(_mm_srli_epi32(minimum, 16));
-            closest.lanes =
-                ChannelLanes(_mm256_castsi256_si128(_mm256_permutevar8x32_epi32(colors, number)));
-            closest.index = block->indices[place];
-        }
-        if (!block->more) {
-            return closest;
-        }
-    }
+    const auto four = [&](int i) {
+        const __m256i front = two(i);
+        const __m256i back = two(i + 2);
+        return _mm256_min_epi32(_mm256_unpacklo_epi64(front, back),
+                                _mm256_unpackhi_epi64(front, back));
+    };
+    const __m256i front = four(0);
+    const __m256i back = four(4);
+    return _mm256_min_epi32(_mm256_permute2x128_si256(front, back, 0x20),
+                            _mm256_permute2x128_si256(front, back, 0x31));
 }
 
-/// The mask for FindClosestAvx2.
-static inline __m256i LaneMask(const ClosestEntryTables& tables) {
-    const __m128i bytes = _mm_cvtsi32_si128(static_cast<int>(tables.colorMask));
-    return _mm256_broadcastq_epi64(_mm_cvtepi8_epi16(bytes));
+/// ClosestEntryLookup::Find for eight colours; the indices fill lanes of 32 bits.
+static inline __m256i FindEightAvx2(ClosestEntryLookup& lookup, const ClosestEntryTables& tables,
+                                    __m256i colors) {
+    alignas(32) uint32_t cells[8];
+    alignas(32) uint32_t lowBits[8];
+    _mm256_store_si256(reinterpret_cast<__m256i*>(cells), CellsOf(colors));
+    _mm256_store_si256(reinterpret_cast<__m256i*>(lowBits), LowBits(colors));
+    __m256i ranks[8];
+    for (int i = 0; i < 8; ++i) {
+        ranks[i] = RanksOf(tables.blocks[tables.cells[cells[i]]],
+                           _mm256_set1_epi32(static_cast<int>(lowBits[i])));
+    }
+    const __m256i least = LeastOfEach(ranks);
+    for (__m256i& row : ranks) {
+        row = ComplementedIndices(row);
+    }
+    const __m256i decided = _mm256_cmpeq_epi32(least, ComplementedIndices(LeastOfEach(ranks)));
+    __m256i indices = _mm256_and_si256(least, _mm256_set1_epi32(0xFF));
+    auto undecided =
+        static_cast<uint32_t>(~_mm256_movemask_ps(_mm256_castsi256_ps(decided))) & 0xFF;
+    if (undecided != 0) {
+        alignas(32) uint32_t words[8];
+        alignas(32) uint32_t found[8];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(words), colors);
+        _mm256_store_si256(reinterpret_cast<__m256i*>(found), indices);
+        for (; undecided != 0; undecided &= undecided - 1) {
+            const int i = __builtin_ctz(undecided);
+            found[i] = lookup.Find(words[i]);
+        }
+        indices = _mm256_load_si256(reinterpret_cast<const __m256i*>(found));
+    }
+    return indices;
+}
+
+/// Calls `eight(colors)` for every eight pixels of a row, which answers their indices, and
+/// stores these. Copies of a pixel fill up the last eight.
+template <typename Eight>
+static inline void ForEachEight(const uint32_t* colors, uint8_t* indices, size_t width,
+                                const RGBA16* ahead, Eight&& eight) {
+    const auto store = [](uint8_t* to, __m256i lanes) {
+        const __m256i words = _mm256_packus_epi32(lanes, lanes);
+        const __m256i bytes = _mm256_packus_epi16(words, words);
+        _mm_storel_epi64(
+            reinterpret_cast<__m128i*>(to),
+            _mm_unpacklo_epi32(_mm256_castsi256_si128(bytes), _mm256_extracti128_si256(bytes, 1)));
+    };
+    const auto load = [](const uint32_t* from) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+    };
+    size_t x = 0;
+    for (; x + 8 <= width; x += 8) {
+        FetchAhead(ahead, x);
+        store(indices + x, eight(load(colors + x)));
+    }
+    if (x == width) {
+        return;
+    }
+    uint32_t rest[8];
+    uint8_t found[8];
+    for (size_t i = 0; i < 8; ++i) {
+        rest[i] = colors[x + (x + i < width ? i : 0)];
+    }
+    store(found, eight(load(rest)));
+    for (size_t i = 0; x + i < width; ++i) {
+        indices[x + i] = found[i];
+    }
 }
 
 }  // namespace imgbasic

@@ -1,8 +1,9 @@
 #include "lib/image/dither/closest_entry_lookup.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdlib>
 #include <limits>
+#include <memory>
 #include <numeric>
 #include <span>
 
@@ -11,90 +12,91 @@
 namespace imgbasic {
 namespace {
 
-/// Squared distances from an entry to the nearest and farthest colour of a cell, and the distance
-/// of its alpha where that is compared before any colour. Squared distances are sums over the
-/// channels, each of which has its nearest and its farthest level by itself.
-///
-/// An alpha that is compared first is 0 or 255 for every entry. The colours of one cell, none of
-/// which reaches over the middle between 127 and 128, agree on which of the two is closer, and none
-/// is as close to both: that of the cell's lowest colour decides for all.
-struct Reach {
-    int alpha = 0;
-    int least = 0;
-    int greatest = 0;
-};
+using Tables = ClosestEntryTables;
 
-constexpr int kCellShift = 8 - ClosestEntryTables::kBits;
+/// As many as the table can number, less what would make it a block of huge pages. Few pictures
+/// have colours in as many cells; when the blocks are used up, all is forgotten and begun anew.
+constexpr uint32_t kMaxBlocks = UINT16_MAX - 1;
 
-int CellFloor(uint32_t cell, size_t channel) {
-    return CellLevel<ClosestEntryTables::kBits>(cell, channel) << kCellShift;
+constexpr uint32_t kGridCellMask = 0x1F1F1F1F;
+static_assert((kGridCellMask & 0xFF) == 0xFFU >> CandidateGrid::kBits);
+static_assert(Tables::kBits >= CandidateGrid::kBits && CandidateGrid::kBits >= 1,
+              "cells lie inside one of the grid, and on one side of the middle of alpha");
+static_assert(kMaxPaletteEntries <= 1 << CandidateBlock::kIndexBits);
+
+bool Contains(const CellRange& cell, uint32_t color) {
+    for (size_t channel = 0; channel < kAlphaChannel; ++channel) {
+        const int above = ChannelOf(color, channel) - cell.floor[channel];
+        if (above < 0 || above > cell.length[channel]) {
+            return false;
+        }
+    }
+    return true;
 }
 
-/// In one channel, from the entry's level to a cell's levels [floor, floor + kLength]:
-///
-///      entry below     e ....... [=======]        near -above             far kLength - above
-///      entry within          [===e=======]        near 0                  far the longer side
-///      entry above           [=======] ....... e  near above - kLength    far above
-///
-/// where `above` is how far the entry is above the floor; the greatest of the three is the one
-/// that applies.
-Reach ReachOf(uint32_t color, uint32_t cell, AlphaMode mode, bool alphaInDistance) {
-    Reach reach;
+/// The cell around a colour when cells keep the top `bits` bits of its channels, of alpha no more
+/// than the grid does.
+CellRange CellAround(uint32_t color, int bits) {
+    CellRange cell{};
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
-        constexpr int kLength = (1 << kCellShift) - 1;
-        const int above = ChannelOf(color, channel) - CellFloor(cell, channel);
-        if (channel == kAlphaChannel && mode == AlphaMode::First) {
-            reach.alpha = std::abs(above);
-        }
-        if (channel == kAlphaChannel && !alphaInDistance) {
+        const int kept = channel == kAlphaChannel ? CandidateGrid::kBits : bits;
+        cell.length[channel] = (1 << (8 - kept)) - 1;
+        cell.floor[channel] = ChannelOf(color, channel) & ~cell.length[channel];
+    }
+    return cell;
+}
+
+CandidateBlock MakeBlock(std::span<const Candidate> candidates, bool ranked, uint32_t gridFloor) {
+    CandidateBlock block;
+    std::ranges::fill(block.weights, 0);
+    std::ranges::fill(block.ranks, CandidateBlock::kNoEntry);
+    for (size_t i = 0; i < candidates.size(); ++i) {
+        if (!ranked) {
+            block.ranks[i] = CandidateBlock::kUnranked | candidates[i].index;
             continue;
         }
-        const int near = std::max({above - kLength, -above, 0});
-        const int far = std::max(above, kLength - above);
-        reach.least += near * near;
-        reach.greatest += far * far;
+        int32_t distance = 0;
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            const int apart =
+                ChannelOf(candidates[i].color, channel) - ChannelOf(gridFloor, channel);
+            distance += apart * apart;
+        }
+        block.weights[i] = candidates[i].color ^ 0x80808080;
+        block.ranks[i] = distance << CandidateBlock::kIndexBits | candidates[i].index;
     }
-    return reach;
+    return block;
 }
 
-uint8_t FindInBlocks(const CandidateBlock* block, bool alphaInDistance, uint32_t color) {
-    // Which alpha is closer has been sorted out: it is the same in all entries, or a channel
-    // like the others.
-    ClosestEntryRule rule(AlphaMode::Axis, alphaInDistance, color);
-    for (;; ++block) {
-        for (uint32_t i = 0; i < block->count; ++i) {
-            if (rule.Compare(block->colors[i], block->indices[i])) {
-                return block->indices[i];
-            }
-        }
-        if (!block->more) {
-            return static_cast<uint8_t>(rule.Index());
-        }
-    }
+/// All ranks are alike but for the indices, whatever the colour.
+CandidateBlock MakeUndecidedBlock() {
+    CandidateBlock block{};
+    std::iota(std::begin(block.ranks), std::end(block.ranks), CandidateBlock::kUnranked);
+    return block;
 }
-
-/// Two blocks for every cell, though only cells that a picture has colours in take any. When they
-/// are used up, the palette is searched for further cells.
-constexpr uint32_t kMaxBlocks = 1 << 17;
-static_assert(kMaxBlocks <= ClosestEntryTables::kSearchPalette, "numbers of blocks");
-static_assert(CandidateGrid::kMaxEntries - 1 <= UINT8_MAX, "CandidateBlock::indices");
 
 }  // namespace
 
 ClosestEntryLookup::ClosestEntryLookup(const ReducePalette& palette)
     : palette_(palette),
       alphaInDistance_(palette.alphaMode == AlphaMode::Axis ||
-                       (palette.alphaMode == AlphaMode::First && palette.Grid() == nullptr)),
-      cells_(AllocateZeroed(kCellCount<ClosestEntryTables::kBits> * sizeof(uint32_t))),
-      blocks_(AllocateZeroed(kMaxBlocks * sizeof(CandidateBlock))) {
-    tables_.cells = reinterpret_cast<const uint32_t*>(cells_.get());
-    tables_.blocks = reinterpret_cast<const CandidateBlock*>(blocks_.get());
+                       (palette.alphaMode == AlphaMode::First && !palette.grid)),
+      cells_(AllocateZeroed(Tables::kCells * sizeof(uint16_t))),
+      blockMemory_(AllocateZeroed((kMaxBlocks + 1) * sizeof(CandidateBlock))) {
+    const size_t count = palette.entries.size();
+    if (count < 1 || count > kMaxPaletteEntries || cells_ == nullptr || blockMemory_ == nullptr) {
+        return;
+    }
+    void* memory = blockMemory_.get();
+    size_t space = (kMaxBlocks + 1) * sizeof(CandidateBlock);
+    blocks_ = static_cast<CandidateBlock*>(
+        std::align(alignof(CandidateBlock), kMaxBlocks * sizeof(CandidateBlock), memory, space));
+    blocks_[Tables::kUnknown] = MakeUndecidedBlock();
+    blocks_[Tables::kSearchPalette] = MakeUndecidedBlock();
+    blockCount_ = Tables::kFirstBlock;
+    tables_.cells = reinterpret_cast<const uint16_t*>(cells_.get());
+    tables_.blocks = blocks_;
     tables_.colorMask = alphaInDistance_ ? 0xFFFFFFFF : 0x00FFFFFF;
     std::ranges::transform(palette.entries, tables_.colors, &KVColorPalette::Word);
-    if (palette.Grid() == nullptr) {
-        allEntries_.resize(palette.entries.size());
-        std::iota(allEntries_.begin(), allEntries_.end(), uint8_t{0});
-    }
 }
 
 const ClosestEntryTables& ClosestEntryLookup::Tables() const {
@@ -102,80 +104,120 @@ const ClosestEntryTables& ClosestEntryLookup::Tables() const {
 }
 
 uint8_t ClosestEntryLookup::Find(uint32_t color) {
-    const uint32_t number = CellOf<ClosestEntryTables::kBits>(color);
-    uint32_t cell = tables_.cells[number];
-    if (cell == ClosestEntryTables::kUnknown) {
-        cell = Prepare(number);
-        reinterpret_cast<uint32_t*>(cells_.get())[number] = cell;
+    const uint16_t& number = tables_.cells[TableCellOf(color)];
+    if (number == Tables::kUnknown) {
+        Prepare(color);
     }
-    if (cell == ClosestEntryTables::kSearchPalette) {
+    if (number == Tables::kSearchPalette) {
         return FindInPalette(color);
     }
-    return FindInBlocks(tables_.blocks + cell, alphaInDistance_, color);
+    // Which alpha is closer has been sorted out: it is the same in all entries, or a channel
+    // like the others.
+    ClosestEntryRule rule(AlphaMode::Axis, alphaInDistance_, color);
+    for (const CandidateBlock* block = tables_.blocks + number;; ++block) {
+        for (const int32_t rank : block->ranks) {
+            const auto index = static_cast<uint8_t>(rank);
+            if (rank == CandidateBlock::kNoEntry || rule.Compare(tables_.colors[index], index)) {
+                return static_cast<uint8_t>(rule.Index());
+            }
+        }
+        if (block->IsRanked()) {
+            return static_cast<uint8_t>(rule.Index());
+        }
+    }
 }
 
 uint8_t ClosestEntryLookup::FindInPalette(uint32_t color) const {
-    return static_cast<uint8_t>(palette_.Grid() != nullptr ? FindNearestInGrid(palette_, color)
-                                                           : FindNearest(palette_, color));
+    return static_cast<uint8_t>(palette_.grid ? FindNearestInGrid(palette_, color)
+                                              : FindNearest(palette_, color));
 }
 
-/// Sorts out the candidates of a cell, as ClosestEntryLookup explains it, and answers what its
-/// place in the table gets.
-uint32_t ClosestEntryLookup::Prepare(uint32_t number) {
-    uint32_t corner = 0;
-    for (size_t channel = 0; channel < kColorChannels; ++channel) {
-        corner |= static_cast<uint32_t>(CellFloor(number, channel)) << (8 * channel);
+/// Fills in the largest cell around the color that a block is enough for.
+void ClosestEntryLookup::Prepare(uint32_t color) {
+    const auto [place, isNew] = gridCells_.try_emplace(CellOf<CandidateGrid::kBits>(color));
+    GridCell& gridCell = place->second;
+    CellRange cell = CellAround(color, CandidateGrid::kBits);
+    if (isNew) {
+        gridCell = ListCandidates(color);
+        DropHopeless(gridCell.candidates, cell, CandidateBlock::kSize);
     }
-    const std::span<const uint8_t> entries =
-        palette_.Grid() != nullptr ? palette_.Candidates(corner) : allEntries_;
-    std::array<Reach, CandidateGrid::kMaxEntries> reaches;
+    const auto isDecided = [&] {
+        return std::ranges::none_of(gridCell.enders,
+                                    [&](uint32_t ender) { return Contains(cell, ender); });
+    };
+    std::vector<Candidate> candidates = gridCell.candidates;
+    for (int bits = CandidateGrid::kBits + 1;
+         bits <= Tables::kBits && (candidates.size() > CandidateBlock::kSize || !isDecided());
+         ++bits) {
+        cell = CellAround(color, bits);
+        DropHopeless(candidates, cell, CandidateBlock::kSize);
+    }
+    Fill(cell, isDecided() ? AddBlocks(candidates, color) : Tables::kSearchPalette);
+}
+
+ClosestEntryLookup::GridCell ClosestEntryLookup::ListCandidates(uint32_t color) const {
+    std::vector<uint8_t> indices(palette_.entries.size());
+    if (palette_.grid) {
+        indices = palette_.Candidates(color);
+    } else {
+        std::iota(indices.begin(), indices.end(), uint8_t{0});
+    }
+    const auto alphaDistance = [&](uint8_t index) {
+        return palette_.alphaMode == AlphaMode::First
+                   ? std::abs(ChannelOf(tables_.colors[index], kAlphaChannel) -
+                              ChannelOf(color, kAlphaChannel))
+                   : 0;
+    };
     int closestAlpha = std::numeric_limits<int>::max();
-    for (size_t i = 0; i < entries.size(); ++i) {
-        reaches[i] =
-            ReachOf(tables_.colors[entries[i]], number, palette_.alphaMode, alphaInDistance_);
-        closestAlpha = std::min(closestAlpha, reaches[i].alpha);
+    for (const uint8_t index : indices) {
+        closestAlpha = std::min(closestAlpha, alphaDistance(index));
     }
-    int bound = std::numeric_limits<int>::max();
-    for (size_t i = 0; i < entries.size(); ++i) {
-        if (reaches[i].alpha == closestAlpha) {
-            bound = std::min(bound, reaches[i].greatest);
+    GridCell cell;
+    for (const uint8_t index : indices) {
+        if (alphaDistance(index) == closestAlpha) {
+            cell.candidates.push_back({index, tables_.colors[index] & tables_.colorMask});
+        } else if (cell.candidates.empty() && !alphaInDistance_) {
+            cell.enders.push_back(tables_.colors[index]);
         }
     }
-    candidates_.clear();
-    for (size_t i = 0; i < entries.size(); ++i) {
-        if (reaches[i].alpha == closestAlpha) {
-            // Not `<`: at a corner of the cell an entry can be as close as the bound.
-            if (reaches[i].least <= bound) {
-                candidates_.push_back(entries[i]);
-            }
-        } else if (reaches[i].least == 0 && candidates_.empty()) {
-            // At distance zero it ends the search although its alpha is farther, unless an entry
-            // of closer alpha has been compared before.
-            return ClosestEntryTables::kSearchPalette;
-        }
-    }
-    return AddBlocks(candidates_);
+    return cell;
 }
 
-uint32_t ClosestEntryLookup::AddBlocks(const std::vector<uint8_t>& candidates) {
+/// Answers the number of the first block.
+uint16_t ClosestEntryLookup::AddBlocks(std::span<const Candidate> candidates, uint32_t color) {
     constexpr size_t kSize = CandidateBlock::kSize;
-    const size_t needed = (candidates.size() + kSize - 1) / kSize;
-    if (blockCount_ + needed > kMaxBlocks) {
-        return ClosestEntryTables::kSearchPalette;
+    // The last block of entries that are not ranked has room for what ends the search.
+    const size_t count = candidates.size() <= kSize ? 1 : candidates.size() / kSize + 1;
+    if (blockCount_ + count > kMaxBlocks) {
+        std::fill_n(Cells(), Tables::kCells, Tables::kUnknown);
+        blockCount_ = Tables::kFirstBlock;
     }
-    const uint32_t first = blockCount_;
-    for (size_t begin = 0; begin < candidates.size(); begin += kSize) {
-        auto& block = reinterpret_cast<CandidateBlock*>(blocks_.get())[blockCount_++];
-        const size_t count = std::min(candidates.size() - begin, kSize);
-        for (size_t i = 0; i < kSize; ++i) {
-            const uint8_t index = candidates[begin + (i < count ? i : 0)];
-            block.indices[i] = index;
-            block.colors[i] = tables_.colors[index];
-        }
-        block.count = static_cast<uint32_t>(count);
-        block.more = begin + kSize < candidates.size();
+    const auto first = static_cast<uint16_t>(blockCount_);
+    for (size_t i = 0; i < count; ++i) {
+        const auto some = candidates.subspan(i * kSize);
+        blocks_[blockCount_++] = MakeBlock(some.first(std::min(some.size(), kSize)), count == 1,
+                                           color & ~kGridCellMask & tables_.colorMask);
     }
     return first;
+}
+
+void ClosestEntryLookup::Fill(const CellRange& cell, uint16_t number) {
+    uint32_t corner = 0;
+    for (size_t channel = 0; channel < kColorChannels; ++channel) {
+        corner |= static_cast<uint32_t>(cell.floor[channel]) << (8 * channel);
+    }
+    uint16_t* first = Cells() + TableCellOf(corner);
+    const auto levels = static_cast<size_t>(cell.length[0] + 1) >> (8 - Tables::kBits);
+    for (size_t red = 0; red < levels; ++red) {
+        for (size_t green = 0; green < levels; ++green) {
+            const size_t place = red << 2 * Tables::kBits | green << Tables::kBits;
+            std::fill_n(first + place, levels, number);
+        }
+    }
+}
+
+uint16_t* ClosestEntryLookup::Cells() {
+    return reinterpret_cast<uint16_t*>(cells_.get());
 }
 
 }  // namespace imgbasic

@@ -1,9 +1,6 @@
 #include <algorithm>
-#include <utility>
 
-#include "lib/image/dither/dither_kinds.h"
 #include "lib/image/dither/map_forms.h"
-#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 namespace {
@@ -32,41 +29,21 @@ ColorError Difference(uint32_t color, uint32_t entry) {
 
 }  // namespace
 
-void MapDiffusedRowScalar(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8_t* indices,
-                          size_t width, ptrdiff_t step, ErrorRows errors, bool accumulate) {
+void MapDiffusedRowScalar(const DiffusionLookups& lookups, const uint32_t* colors, uint8_t* indices,
+                          size_t width, const RGBA16* /*ahead*/, ptrdiff_t step, ErrorRows errors,
+                          bool accumulate) {
+    ClosestEntryLookup& lookup = lookups.closest;
     auto x = step > 0 ? ptrdiff_t{0} : static_cast<ptrdiff_t>(width) - 1;
     const uint32_t* entries = lookup.Tables().colors;
     const ColorError* above = errors.above;
     ColorError previous{};
     for (size_t i = 0; i < width; ++i, x += step) {
-        const uint32_t color = VisibleColor(pixels[x]);
+        const uint32_t color = colors[x];
         const uint32_t wanted = Gather(color, previous, above[x - step], above[x], above[x + step]);
         indices[x] = lookup.Find(wanted);
         previous = Difference(accumulate ? wanted : color, entries[indices[x]]);
         errors.current[x] = previous;
     }
-}
-
-bool MapDiffused(ClosestEntryLookup& lookup, const KVBitmap& source, KVBitmap& indexed,
-                 bool accumulate) {
-    static constexpr KernelForms<MapDiffusedForm> kForms{MapDiffusedRowScalar,
-                                                         IMGBASIC_X86_FORM(MapDiffusedRowAvx2)};
-    // Two rows that change places, each with a zero on either side.
-    const size_t width = static_cast<size_t>(source.Width());
-    const ZeroedBlock block = AllocateZeroed(2 * (width + 2) * sizeof(ColorError));
-    if (block == nullptr) {
-        return false;
-    }
-    auto* above = reinterpret_cast<ColorError*>(block.get()) + 1;
-    auto* current = above + width + 2;
-    const uint32_t* pixels = source.Words().data();
-    for (int32_t y = 0; y < source.Height(); ++y) {
-        kForms.Active()(lookup, pixels, indexed.IndexRow(y).data(), width, y % 2 == 0 ? 1 : -1,
-                        {above, current}, accumulate);
-        std::swap(above, current);
-        pixels += width;
-    }
-    return true;
 }
 
 }  // namespace imgbasic

@@ -3,9 +3,7 @@
 #include <bit>
 #include <cstdlib>
 
-#include "lib/image/dither/dither_kinds.h"
 #include "lib/image/dither/map_forms.h"
-#include "lib/image/simd/simd.h"
 
 namespace imgbasic {
 namespace {
@@ -49,30 +47,18 @@ uint32_t Dithered(uint32_t color, uint32_t closest, const int8_t (&offsets)[16])
 
 }  // namespace
 
-void MapOrderedRowScalar(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8_t* indices,
-                         size_t width, const OrderedOffsets& row) {
+void MapOrderedRowScalar(ClosestEntryLookup& lookup, const uint32_t* colors, uint8_t* indices,
+                         size_t width, const RGBA16* /*ahead*/, const OrderedOffsets& row) {
     const uint32_t* entries = lookup.Tables().colors;
     for (size_t x = 0; x < width; ++x) {
-        const uint32_t color = VisibleColor(pixels[x]);
-        indices[x] = lookup.Find(color);
-        const uint32_t dithered = Dithered(color, entries[indices[x]], row.offsets[x % 4]);
-        if (dithered != color) {
-            indices[x] = lookup.Find(dithered);
-        }
+        const uint32_t closest = entries[lookup.Find(colors[x])];
+        indices[x] = lookup.Find(Dithered(colors[x], closest, row.offsets[x % 4]));
     }
 }
 
-void MapOrdered(ClosestEntryLookup& lookup, const KVBitmap& source, KVBitmap& indexed) {
-    static constexpr KernelForms<MapOrderedForm> kForms{MapOrderedRowScalar,
-                                                        IMGBASIC_X86_FORM(MapOrderedRowAvx2)};
+const OrderedOffsets& OrderedOffsetsOf(int32_t y) {
     static constexpr auto kOffsets = MakeOffsets();
-    const uint32_t* pixels = source.Words().data();
-    for (int32_t y = 0; y < source.Height(); ++y) {
-        const auto row = indexed.IndexRow(y);
-        kForms.Active()(lookup, pixels, row.data(), row.size(),
-                        kOffsets[static_cast<size_t>(y) % 4]);
-        pixels += row.size();
-    }
+    return kOffsets[static_cast<size_t>(y) % kOffsets.size()];
 }
 
 }  // namespace imgbasic

@@ -5,38 +5,54 @@ namespace imgbasic {
 namespace {
 
 /// The bit length of each byte.
-__m128i BitWidths(__m128i values) {
-    const __m128i ofLow = _mm_setr_epi8(0, 1, 2, 2, 3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4, 4);
-    const __m128i ofHigh = _mm_setr_epi8(0, 5, 6, 6, 7, 7, 7, 7, 8, 8, 8, 8, 8, 8, 8, 8);
-    const __m128i nibble = _mm_set1_epi8(15);
-    const __m128i high = _mm_and_si128(_mm_srli_epi16(values, 4), nibble);
-    return _mm_max_epu8(_mm_shuffle_epi8(ofHigh, high),
-                        _mm_shuffle_epi8(ofLow, _mm_and_si128(values, nibble)));
+__m256i BitWidths(__m256i values) {
+    const __m256i ofLow =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 2, 2, 3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4, 4));
+    const __m256i ofHigh =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 5, 6, 6, 7, 7, 7, 7, 8, 8, 8, 8, 8, 8, 8, 8));
+    const __m256i nibble = _mm256_set1_epi8(15);
+    const __m256i high = _mm256_and_si256(_mm256_srli_epi16(values, 4), nibble);
+    return _mm256_max_epu8(_mm256_shuffle_epi8(ofHigh, high),
+                           _mm256_shuffle_epi8(ofLow, _mm256_and_si256(values, nibble)));
+}
+
+__m256i AbsoluteDifference(__m256i a, __m256i b) {
+    return _mm256_sub_epi8(_mm256_max_epu8(a, b), _mm256_min_epu8(a, b));
+}
+
+/// The bytes of pixels in columns 0 to 3, twice, look their offsets up.
+__m256i OffsetsFor(const OrderedOffsets& row, __m256i bits) {
+    const auto ofColumn = [&](int column) {
+        const auto* offsets = reinterpret_cast<const __m128i*>(row.offsets[column]);
+        return _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(_mm_load_si128(offsets)), bits);
+    };
+    const __m256i front = _mm256_blend_epi32(ofColumn(0), ofColumn(1), 0b00100010);
+    const __m256i back = _mm256_blend_epi32(ofColumn(2), ofColumn(3), 0b10001000);
+    return _mm256_blend_epi32(front, back, 0b11001100);
+}
+
+/// Bytes plus signed bytes, clamped. Negative ones are turned round, -128 into 128.
+__m256i AddClamped(__m256i bytes, __m256i offsets) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i negative = _mm256_cmpgt_epi8(zero, offsets);
+    const __m256i down = _mm256_and_si256(_mm256_sub_epi8(zero, offsets), negative);
+    const __m256i up = _mm256_andnot_si256(negative, offsets);
+    return _mm256_subs_epu8(_mm256_adds_epu8(bytes, up), down);
 }
 
 }  // namespace
 
-void MapOrderedRowAvx2(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8_t* indices,
-                       size_t width, const OrderedOffsets& row) {
+void MapOrderedRowAvx2(ClosestEntryLookup& lookup, const uint32_t* colors, uint8_t* indices,
+                       size_t width, const RGBA16* ahead, const OrderedOffsets& row) {
     const ClosestEntryTables& tables = lookup.Tables();
-    const __m256i mask = LaneMask(tables);
-    for (size_t x = 0; x < width; ++x) {
-        const uint32_t color = VisibleColor(pixels[x]);
-        const __m128i lanes = ChannelLanes(color);
-        ClosestEntry closest = FindClosestAvx2(lookup, tables, color, lanes, mask);
-        // The high bytes of the 16-bit lanes stay zero, and so does what they look up.
-        const __m128i bits = BitWidths(_mm_abs_epi16(_mm_sub_epi16(lanes, closest.lanes)));
-        const __m128i offsets = _mm_shuffle_epi8(
-            _mm_load_si128(reinterpret_cast<const __m128i*>(row.offsets[x % 4])), bits);
-        const __m128i signedOffsets = _mm_srai_epi16(_mm_slli_epi16(offsets, 8), 8);
-        const __m128i moved = _mm_add_epi16(lanes, signedOffsets);
-        const __m128i packed = _mm_packus_epi16(moved, moved);
-        const auto dithered = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
-        if (dithered != color) {
-            closest = FindClosestAvx2(lookup, tables, dithered, ChannelLanes(packed), mask);
-        }
-        indices[x] = closest.index;
-    }
+    const auto* entries = reinterpret_cast<const int*>(tables.colors);
+    // Every eight pixels begin in a column that is a multiple of four.
+    ForEachEight(colors, indices, width, ahead, [&](__m256i eight) {
+        const __m256i closest =
+            _mm256_i32gather_epi32(entries, FindEightAvx2(lookup, tables, eight), 4);
+        const __m256i bits = BitWidths(AbsoluteDifference(eight, closest));
+        return FindEightAvx2(lookup, tables, AddClamped(eight, OffsetsFor(row, bits)));
+    });
 }
 
 }  // namespace imgbasic

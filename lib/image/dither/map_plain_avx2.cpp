@@ -3,14 +3,11 @@
 
 namespace imgbasic {
 
-void MapPlainRowAvx2(ClosestEntryLookup& lookup, const uint32_t* pixels, uint8_t* indices,
-                     size_t width) {
+void MapPlainRowAvx2(ClosestEntryLookup& lookup, const uint32_t* colors, uint8_t* indices,
+                     size_t width, const RGBA16* ahead) {
     const ClosestEntryTables& tables = lookup.Tables();
-    const __m256i mask = LaneMask(tables);
-    for (size_t x = 0; x < width; ++x) {
-        const uint32_t color = VisibleColor(pixels[x]);
-        indices[x] = FindClosestAvx2(lookup, tables, color, ChannelLanes(color), mask).index;
-    }
+    ForEachEight(colors, indices, width, ahead,
+                 [&](__m256i eight) { return FindEightAvx2(lookup, tables, eight); });
 }
 
 }  // namespace imgbasic

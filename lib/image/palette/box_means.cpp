@@ -5,25 +5,30 @@
 namespace imgbasic {
 namespace {
 
-// From boxes to colours, with one pass over the image. Three grids of colour space meet here, each
-// cell of one inside a cell of the next (a channel's bits, for a shift of 5):
+// From boxes to colours. Three grids of colour space meet here, each cell of one inside a cell of
+// the next (a channel's bits, for a shift of 5):
 //
 //      colour               7 6 5 4 3 2 1 0       what a mean is taken of
 //      histogram cell       7 6 5 4 3             ColorHistogram, 5 bits
 //      second cut           7 6 5 4               shift - 1: where a box is cut in halves
 //      coarse colour        7 6 5                 shift: what the boxes are made of
 //
-// A histogram cell thus lies in one half of one box as a whole. Its place in the histogram's table,
-// which is not needed for counting any more, gets that half's number, and the pass over the image
-// looks up for each colour to which sum it is added.
+// A histogram cell thus lies in one half of one box as a whole, and the sums of the cells add up to
+// those of the halves.
 static_assert(ColorHistogram::kBits >= 8 - (kLeastCoarseShift - 1));
 static_assert(1 << (8 - (kLeastCoarseShift - 1)) <= ColorBox::kMaxLevels);
-static_assert(2 * kMaxBoxes <= UINT32_MAX, "numbers of halves in the histogram's table");
 
-/// Pixels that will share a mean.
+/// Pixels that will share a mean. Sums of 64 bits: 2^32 pixels of 255 at most.
 struct ColorSum {
     std::array<uint64_t, kColorChannels> total{};
     uint32_t count = 0;
+
+    void Add(const ColorHistogram::Part& part) {
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            total[channel] += part.Total(channel);
+        }
+        count += part.count;
+    }
 
     friend ColorSum operator+(const ColorSum& a, const ColorSum& b) {
         ColorSum sum{.count = a.count + b.count};
@@ -63,61 +68,39 @@ std::vector<uint8_t> BoxTable(const std::vector<CoarseColor>& coarse) {
     return table;
 }
 
-/// Cuts the boxes by the median rule once more, with a quarter as the least part, and puts the
-/// number of each cell's half, 2 * box or 2 * box + 1, into the histogram's table.
-std::vector<Halves> CutInHalves(ColorHistogram& histogram, const std::vector<CoarseColor>& coarse,
-                                int shift, size_t boxCount) {
+/// Cuts the boxes by the median rule once more, with a quarter as the least part.
+std::vector<Halves> CutInHalves(const std::vector<ColorHistogram::Part>& parts,
+                                const std::vector<CoarseColor>& coarse, int shift,
+                                size_t boxCount) {
     constexpr uint64_t kDivisor = 4;
     const auto boxOf = BoxTable(coarse);
     std::vector<ColorBox> fine(boxCount);
-    for (const auto& [number, count] : histogram.Occupied()) {
-        ColorBox& box = fine[boxOf[CoarseCell(number, shift)]];
-        box.count += count;
+    for (const ColorHistogram::Part& part : parts) {
+        ColorBox& box = fine[boxOf[CoarseCell(part.cell, shift)]];
+        box.count += part.count;
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
-            box.Add(channel, ShiftedLevel(number, channel, shift - 1), count);
+            box.Add(channel, ShiftedLevel(part.cell, channel, shift - 1), part.count);
         }
     }
     std::vector<Halves> halves(boxCount);
     for (size_t box = 0; box < boxCount; ++box) {
-        const auto cut = FindCut(fine[box], kDivisor);
-        halves[box].cut = cut;
-        halves[box].lower.count = cut ? cut->lower : fine[box].count;
-        halves[box].upper.count = fine[box].count - halves[box].lower.count;
+        halves[box].cut = FindCut(fine[box], kDivisor);
     }
-    const auto table = histogram.Table();
-    for (const auto& [number, count] : histogram.Occupied()) {
-        const uint32_t box = boxOf[CoarseCell(number, shift)];
-        const auto& cut = halves[box].cut;
-        const bool upper = cut && ShiftedLevel(number, cut->channel, shift - 1) > cut->end;
-        table[number] = 2 * box + (upper ? 1 : 0);
+    for (const ColorHistogram::Part& part : parts) {
+        Halves& half = halves[boxOf[CoarseCell(part.cell, shift)]];
+        const auto& cut = half.cut;
+        const bool upper = cut && ShiftedLevel(part.cell, cut->channel, shift - 1) > cut->end;
+        (upper ? half.upper : half.lower).Add(part);
     }
     return halves;
 }
 
-/// Sums of 64 bits: 2^32 pixels of 255 at most.
-void SumColors(const CountedColors& image, std::span<const uint32_t> halfOfCell,
-               std::vector<Halves>& halves) {
-    std::vector<std::array<uint64_t, kColorChannels>> totals(2 * halves.size());
-    for (size_t i = 0; i < image.colors.size(); ++i) {
-        const uint32_t color = VisibleColor(image.colors[i]);
-        auto& total = totals[halfOfCell[CellOf<ColorHistogram::kBits>(color)]];
-        for (size_t channel = 0; channel < kColorChannels; ++channel) {
-            total[channel] += static_cast<uint64_t>(ChannelOf(color, channel)) * image.Count(i);
-        }
-    }
-    for (size_t box = 0; box < halves.size(); ++box) {
-        halves[box].lower.total = totals[2 * box];
-        halves[box].upper.total = totals[2 * box + 1];
-    }
-}
-
 }  // namespace
 
-void AddBoxMeans(const CountedColors& image, ColorHistogram& histogram,
+void AddBoxMeans(const std::vector<ColorHistogram::Part>& parts,
                  const std::vector<CoarseColor>& coarse, int shift, const ColorBoxes& boxes,
                  KVArray<KVColorPalette>& entries) {
-    auto halves = CutInHalves(histogram, coarse, shift, boxes.boxes.size());
-    SumColors(image, histogram.Table(), halves);
+    const auto halves = CutInHalves(parts, coarse, shift, boxes.boxes.size());
     // All means differ. Any two boxes, and the halves of a box, lie on two sides of some cut, and a
     // mean has no channel beyond the least and the greatest value that went into it.
     size_t spare = kMaxBoxes - halves.size();

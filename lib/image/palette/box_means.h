@@ -8,9 +8,8 @@ namespace imgbasic {
 
 /// Fills the empty `entries` with at most kMaxBoxes distinct colours: one for each box of coarse
 /// colours, its mean, or as long as there is room two, the means of its halves. `shift` is that
-/// of the coarse colours `coarse`, which say what belongs to which box. Uses up the histogram's
-/// table.
-void AddBoxMeans(const CountedColors& image, ColorHistogram& histogram,
+/// of the coarse colours `coarse`, which say what belongs to which box.
+void AddBoxMeans(const std::vector<ColorHistogram::Part>& parts,
                  const std::vector<CoarseColor>& coarse, int shift, const ColorBoxes& boxes,
                  KVArray<KVColorPalette>& entries);
 

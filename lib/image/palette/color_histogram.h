@@ -1,41 +1,55 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 #include "lib/base/zeroed_block.h"
-#include "lib/image/palette/counted_colors.h"
+#include "lib/image/palette/color_histogram_forms.h"
 #include "lib/image/palette/median_cut.h"
 
 namespace imgbasic {
 
 /// How many pixels of an image lie in each cell of colour space (see CellOf), of kBits bits a
-/// channel. Everything coarser is summed up from here, so that the pixels are counted once; cells
-/// that have pixels are few beside all, so that a list of them is what is summed.
+/// channel, and the sums of their colours. Everything coarser is summed up from here, so that the
+/// pixels are looked at once.
 class ColorHistogram {
   public:
-    static constexpr int kBits = 5;
+    static constexpr int kBits = kTallyCellBits;
 
-    struct Cell {
-        uint32_t number;  ///< CellOf<kBits>
+    /// Pixels of a cell; a cell of many pixels has several parts.
+    struct Part {
+        uint32_t cell;  ///< CellOf<kBits>
         uint32_t count;
+        std::array<uint32_t, kColorChannels> rests;  ///< sums above the cell's least levels
+
+        /// The sum of a channel.
+        uint64_t Total(size_t channel) const {
+            const auto least = static_cast<uint64_t>(CellLevel<kBits>(cell, channel))
+                               << (8 - kBits);
+            return least * count + rests[channel];
+        }
     };
 
-    /// Without memory, Table() is empty.
-    explicit ColorHistogram(const CountedColors& image);
+    ColorHistogram();
+    /// False when memory ran out; then nothing else may be called.
+    bool IsReady() const { return tallies_ != nullptr; }
 
-    /// One value for each cell: its pixels, until a user puts something else there.
-    std::span<uint32_t> Table();
-    /// The cells that have pixels, in ascending order.
-    const std::vector<Cell>& Occupied() const { return occupied_; }
-    /// The distinct colours when every channel is shifted right by `shift`, kLeastCoarseShift to 6,
-    /// ordered by alpha, then red, green and blue.
-    std::vector<CoarseColor> Coarse(int shift) const;
+    /// Counts one pixel of each of these visible colours. `ahead` is what the caller will read
+    /// next, as many host pixels or null.
+    void Add(std::span<const uint32_t> colors, const RGBA16* ahead);
+    /// Counts `count` pixels of one colour.
+    void Add(uint32_t color, uint32_t count);
+    /// Everything counted so far, in no order; nothing may be added afterwards.
+    const std::vector<Part>& Finish();
 
   private:
-    ZeroedBlock table_;
-    std::vector<Cell> occupied_;
+    void AddToFullOrNew(uint32_t cell);
+
+    ZeroedBlock tallies_;
+    std::vector<uint32_t> occupied_;  ///< the cells that have a tally
+    std::vector<Part> parts_;
 };
 
 /// The level of a cell's colours in a channel that is shifted right by `shift`, 3 or more: the
@@ -58,5 +72,9 @@ constexpr uint32_t CoarseCell(uint32_t cell, int shift) {
     }
     return coarse;
 }
+
+/// The distinct colours when every channel is shifted right by `shift`, kLeastCoarseShift to 6,
+/// ordered by alpha, then red, green and blue.
+std::vector<CoarseColor> CoarseColors(const std::vector<ColorHistogram::Part>& parts, int shift);
 
 }  // namespace imgbasic

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 #include "lib/image/palette/box_means.h"
 #include "lib/image/palette/color_histogram.h"
@@ -29,54 +30,114 @@ PaletteSize SizeFor(int32_t countSpec) {
     return {limit, limit < 17 ? 4 : kFullPrecision};
 }
 
-struct CoarseColors {
-    std::vector<CoarseColor> colors;
-    int shift;
-};
-
-/// The coarsest colours that are still enough for the precision, if any are; else the finest.
-CoarseColors ChooseCoarse(const ColorHistogram& histogram, int32_t precision) {
-    const bool full = precision == kFullPrecision;
-    const size_t threshold = full ? 64 : (size_t{1} << precision) / 2;
-    CoarseColors coarse{{}, full ? 5 : 6};
-    coarse.colors = histogram.Coarse(coarse.shift);
-    while (coarse.shift > kLeastCoarseShift && coarse.colors.size() <= threshold) {
-        --coarse.shift;
-        coarse.colors = histogram.Coarse(coarse.shift);
+/// The palette's entries from a median cut over the coarsest colours that are still enough for the
+/// precision, if any are, else over the finest.
+void CutIntoEntries(const std::vector<ColorHistogram::Part>& parts, PaletteSize size,
+                    KVArray<KVColorPalette>& entries) {
+    const bool full = size.precision == kFullPrecision;
+    const size_t threshold = full ? 64 : (size_t{1} << size.precision) / 2;
+    int shift = full ? 5 : 6;
+    auto coarse = CoarseColors(parts, shift);
+    while (shift > kLeastCoarseShift && coarse.size() <= threshold) {
+        --shift;
+        coarse = CoarseColors(parts, shift);
     }
-    return coarse;
+    const ColorBoxes boxes = DivideIntoBoxes(coarse, 256 >> shift);
+    AddBoxMeans(parts, coarse, shift, boxes, entries);
+    ThinPalette(entries, size.limit);
 }
+
+/// Both ways to count an image at once: its distinct colours until they are too many, then the
+/// histogram, which takes over what has been counted.
+class ImageColors {
+  public:
+    explicit ImageColors(size_t limit) : distinct_(limit) {}
+
+    /// False when memory runs out.
+    bool Add(std::span<const uint32_t> colors, const RGBA16* ahead) {
+        const size_t counted = histogram_ ? 0 : distinct_.Add(colors);
+        if (counted == colors.size()) {
+            return true;
+        }
+        if (!StartHistogram()) {
+            return false;
+        }
+        histogram_->Add(colors.subspan(counted), ahead);
+        return true;
+    }
+    bool Add(uint32_t color, uint32_t count) {
+        if (!histogram_ && distinct_.Add(color, count)) {
+            return true;
+        }
+        if (!StartHistogram()) {
+            return false;
+        }
+        histogram_->Add(color, count);
+        return true;
+    }
+
+    void MakePalette(PaletteSize size, ReducePalette& palette) {
+        if (histogram_) {
+            palette.entries.clear();
+            CutIntoEntries(histogram_->Finish(), size, palette.entries);
+        } else {
+            palette.entries = distinct_.Entries();
+        }
+        FinishPalette(palette);
+    }
+
+  private:
+    bool StartHistogram() {
+        if (histogram_) {
+            return true;
+        }
+        histogram_.emplace();
+        if (!histogram_->IsReady()) {
+            return false;
+        }
+        for (const KVColorPalette& entry : distinct_.Entries()) {
+            histogram_->Add(entry.Word(), entry.count);
+        }
+        return true;
+    }
+
+    DistinctColors distinct_;
+    std::optional<ColorHistogram> histogram_;
+};
 
 }  // namespace
 
-bool QuantizeColors(ReducePalette& palette, const CountedColors& image, int32_t countSpec) {
+bool QuantizeRows(ReducePalette& palette, ColorRows& rows, int32_t countSpec) {
+    if (rows.PixelCount() == 0 || rows.PixelCount() > std::numeric_limits<uint32_t>::max()) {
+        return false;
+    }
     const PaletteSize size = SizeFor(countSpec);
-    auto& entries = palette.entries;
-    entries.clear();
-    if (!CollectDistinctColors(image, size.limit, entries)) {
-        entries.clear();
-        ColorHistogram histogram(image);
-        if (histogram.Table().empty()) {
+    ImageColors colors(size.limit);
+    for (int32_t y = 0; y < rows.Height(); ++y) {
+        if (!colors.Add(rows.Row(y), rows.Ahead(y))) {
             return false;
         }
-        CoarseColors coarse = ChooseCoarse(histogram, size.precision);
-        const ColorBoxes boxes = DivideIntoBoxes(coarse.colors, 256 >> coarse.shift);
-        AddBoxMeans(image, histogram, coarse.colors, coarse.shift, boxes, entries);
-        ThinPalette(entries, size.limit);
     }
-    FinishPalette(palette);
+    colors.MakePalette(size, palette);
+    return true;
+}
+
+bool QuantizeCounted(ReducePalette& palette, std::span<const KVColorPalette> counted,
+                     int32_t countSpec) {
+    const PaletteSize size = SizeFor(countSpec);
+    ImageColors colors(size.limit);
+    for (const KVColorPalette& color : counted) {
+        if (!colors.Add(color.Word(), color.count)) {
+            return false;
+        }
+    }
+    colors.MakePalette(size, palette);
     return true;
 }
 
 bool QuantizePalette(ReducePalette& palette, const KVBitmap* bitmap, int32_t countSpec) {
-    if (bitmap == nullptr) {
-        return false;
-    }
-    const auto pixels = bitmap->Words();
-    if (pixels.empty() || pixels.size() > std::numeric_limits<uint32_t>::max()) {
-        return false;
-    }
-    return QuantizeColors(palette, {pixels}, countSpec);
+    ColorRows rows(bitmap);
+    return QuantizeRows(palette, rows, countSpec);
 }
 
 }  // namespace imgbasic

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <span>
+#include <optional>
+#include <vector>
 
 #include "lib/base/kv_array.h"
-#include "lib/base/zeroed_block.h"
 #include "lib/image/palette/color_word.h"
 #include "lib/image/palette/kv_color_palette.h"
 
@@ -19,14 +20,19 @@ enum class AlphaMode : int32_t {
 
 /// Palettes with fewer entries are searched in full.
 constexpr size_t kGridMinEntries = 17;
+constexpr size_t kMaxPaletteEntries = 256;
 
-/// For each cell of colour space (see CellOf) the palette entries worth comparing with its colours.
+/// The palette entries by the cell of colour space (see CellOf) that they lie in.
 struct CandidateGrid {
     static constexpr int kBits = 3;
-    static constexpr size_t kMaxEntries = 256;
 
-    uint8_t lists[kCellCount<kBits>][kMaxEntries];
-    uint32_t counts[kCellCount<kBits>];
+    /// The entries in ascending order of their cells, those of one cell in index order.
+    std::array<uint8_t, kMaxPaletteEntries> order{};
+    /// Where the cells of these entries are: by channel, then as in `order`. Behind the last entry
+    /// farther away than any cell.
+    std::array<std::array<uint8_t, kMaxPaletteEntries>, kColorChannels> levels;
+
+    explicit CandidateGrid(const KVArray<KVColorPalette>& entries);
 };
 
 /// The palette of a colour reduction. After its entries have changed, FinishPalette makes it
@@ -34,17 +40,16 @@ struct CandidateGrid {
 struct ReducePalette {
     KVArray<KVColorPalette> entries;
     AlphaMode alphaMode = AlphaMode::Ignored;
-    ZeroedBlock gridBlock;  ///< a CandidateGrid; null where the palette is searched in full
+    std::optional<CandidateGrid> grid;  ///< empty where the palette is searched in full
 
-    const CandidateGrid* Grid() const {
-        return reinterpret_cast<const CandidateGrid*>(gridBlock.get());
-    }
-    /// The candidates for a colour, in the order in which they are compared.
-    std::span<const uint8_t> Candidates(uint32_t color) const;
+    /// The entries worth comparing with a colour, in the order in which they are compared: those of
+    /// its cell, then those of all cells within a radius of 1, or where that leaves it without any,
+    /// within the least radius that does not. Only with a grid.
+    std::vector<uint8_t> Candidates(uint32_t color) const;
 };
 
-/// Settles the alpha mode of a palette of at most 256 entries and, from kGridMinEntries entries
-/// up, builds its grid. Without memory for the grid the palette is searched in full.
+/// Settles the alpha mode of a palette of at most kMaxPaletteEntries entries and, from
+/// kGridMinEntries entries up, builds its grid.
 void FinishPalette(ReducePalette& palette);
 
 /// The index of the entry nearest to a colour (a pixel word), by comparing all of them. The

@@ -1,10 +1,9 @@
 #include "lib/image/reduce/work_bitmap.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
 
-#include "lib/image/palette/color_word.h"
+#include "lib/image/palette/color_rows.h"
 
 namespace imgbasic {
 namespace {
@@ -12,13 +11,6 @@ namespace {
 size_t RowStart(int32_t width, PixelRect rect, int32_t row) {
     return (static_cast<size_t>(rect.top) + static_cast<size_t>(row)) * static_cast<size_t>(width) +
            static_cast<size_t>(rect.left);
-}
-
-RGBA16 HostPixel(uint32_t word) {
-    const auto scaled = [word](size_t channel) {
-        return static_cast<uint16_t>(ChannelOf(word, channel) << 8);
-    };
-    return {scaled(2), scaled(1), scaled(0), scaled(3)};
 }
 
 }  // namespace
@@ -35,15 +27,6 @@ std::unique_ptr<KVBitmap> MakeWorkBitmap(const RGBA16* buffer, int32_t width, Pi
         word = std::transform(first, first + bitmap->Width(), word, WorkWord);
     }
     return bitmap;
-}
-
-void WriteIndexed(RGBA16* buffer, int32_t width, PixelRect rect, const KVBitmap& indexed) {
-    std::array<RGBA16, kPaletteSlots> colors{};
-    std::ranges::transform(indexed.Palette(), colors.begin(), HostPixel);
-    for (int32_t row = 0; row < indexed.Height(); ++row) {
-        std::ranges::transform(indexed.IndexRow(row), buffer + RowStart(width, rect, row),
-                               [&](uint8_t index) { return colors[index]; });
-    }
 }
 
 }  // namespace imgbasic
