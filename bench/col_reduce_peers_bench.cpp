@@ -1,10 +1,15 @@
+#include <array>
 #include <cstdlib>
+#include <memory>
 
 #include "bench/col_reduce_bench.h"
 #include "bench/test_pictures.h"
 
 #ifdef IMGBASIC_BENCH_IMAGEQUANT
 #include <libimagequant.h>
+#endif
+#ifdef IMGBASIC_BENCH_LEPT
+#include <allheaders.h>
 #endif
 #ifdef IMGBASIC_BENCH_MAGICKWAND
 #include <wand/MagickWand.h>
@@ -79,6 +84,49 @@ void ColReduceImagequant(benchmark::State& state, BenchSize size) {
 
 BENCHMARK_CAPTURE(ColReduceImagequant, opaque_2MP, k2Megapixels)->Apply(PeerArgs);
 BENCHMARK_CAPTURE(ColReduceImagequant, opaque_16MP, k16Megapixels)->Apply(PeerArgs);
+#endif
+
+#ifdef IMGBASIC_BENCH_LEPT
+std::unique_ptr<PIX, void (*)(PIX*)> LeptonicaPicture(BenchSize size) {
+    PIX* picture = pixCreate(size.width, size.height, 32);
+    l_uint32* word = pixGetData(picture);
+    for (const RGBA16& pixel : OpaquePhoto(size)) {
+        composeRGBPixel(pixel.r >> 8, pixel.g >> 8, pixel.b >> 8, word++);
+    }
+    return {picture, [](PIX* pix) { pixDestroy(&pix); }};
+}
+
+/// Its median cut, which knows no alpha, with its own choice of which pixels to look at.
+void ColReduceLeptonica(benchmark::State& state, BenchSize size) {
+    const auto picture = LeptonicaPicture(size);
+    RunPeer(state, size, [&](const Bytes& bytes, unsigned colors, bool dither) {
+        PIX* indexed = pixMedianCutQuantGeneral(picture.get(), dither ? 1 : 0, 8,
+                                                static_cast<int>(colors), 5, 0, 0);
+        if (indexed == nullptr) {
+            std::abort();
+        }
+        const int32_t entries = pixcmapGetCount(pixGetColormap(indexed));
+        std::array<std::array<int, 3>, 256> palette{};
+        for (int32_t i = 0; i < entries; ++i) {
+            auto& [red, green, blue] = palette[static_cast<size_t>(i)];
+            pixcmapGetColor(pixGetColormap(indexed), i, &red, &green, &blue);
+        }
+        Bytes reduced;
+        reduced.reserve(bytes.size());
+        for (int32_t y = 0; y < size.height; ++y) {
+            const l_uint32* row = pixGetData(indexed) + ptrdiff_t{y} * pixGetWpl(indexed);
+            for (int32_t x = 0; x < size.width; ++x) {
+                const auto& [red, green, blue] = palette[GET_DATA_BYTE(row, x)];
+                reduced.insert(reduced.end(), {uint8_t(red), uint8_t(green), uint8_t(blue), 255});
+            }
+        }
+        pixDestroy(&indexed);
+        return reduced;
+    });
+}
+
+BENCHMARK_CAPTURE(ColReduceLeptonica, opaque_2MP, k2Megapixels)->Apply(PeerArgs);
+BENCHMARK_CAPTURE(ColReduceLeptonica, opaque_16MP, k16Megapixels)->Apply(PeerArgs);
 #endif
 
 #ifdef IMGBASIC_BENCH_MAGICKWAND
