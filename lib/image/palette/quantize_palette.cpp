@@ -6,6 +6,7 @@
 
 #include "lib/image/palette/box_means.h"
 #include "lib/image/palette/color_histogram.h"
+#include "lib/image/palette/color_word.h"
 #include "lib/image/palette/distinct_colors.h"
 #include "lib/image/palette/median_cut.h"
 #include "lib/image/palette/thin_palette.h"
@@ -127,7 +128,7 @@ bool QuantizeCounted(ReducePalette& palette, std::span<const KVColorPalette> cou
     const PaletteSize size = SizeFor(countSpec);
     ImageColors colors(size.limit);
     for (const KVColorPalette& color : counted) {
-        if (!colors.Add(color.Word(), color.count)) {
+        if (!colors.Add(VisibleColor(color.Word()), color.count)) {
             return false;
         }
     }

@@ -16,7 +16,8 @@ namespace imgbasic {
 /// std::bad_alloc for small amounts of it.
 bool QuantizeRows(ReducePalette& palette, ColorRows& rows, int32_t countSpec);
 
-/// The same for an image that is given by its distinct colours and their pixel counts.
+/// The same for an image that is given by its distinct colours and their pixel counts; those that
+/// are fully transparent count as colour zero.
 bool QuantizeCounted(ReducePalette& palette, std::span<const KVColorPalette> counted,
                      int32_t countSpec);
 

@@ -57,6 +57,15 @@ TEST(Reduce, FindsAnEntryThatTiesAtTheCornerOfACell) {
     }
 }
 
+// Means may have a colour that nobody sees; the next step of a gradual reduction counts none.
+TEST(Reduce, TakesTransparentColorsOfAStepForColorZero) {
+    ReducePalette palette;
+    const KVColorPalette counted[] = {{0x00112233, 5}, {0xFF445566, 2}, {0x00332211, 1}};
+    ASSERT_TRUE(QuantizeCounted(palette, counted, -2));
+    EXPECT_EQ(Colors(palette), (Words{0, 0xFF445566}));
+    EXPECT_EQ(palette.entries[0].count, 6U);
+}
+
 // One colour in each cell of the lookup, and a palette of which each cell keeps all entries.
 TEST(Reduce, FindsTheClosestEntryAlsoWhenTheLookupIsFull) {
     Words everywhere(65536);
