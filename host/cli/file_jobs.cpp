@@ -62,7 +62,8 @@ std::vector<FileJob> PlanJobs(const FileOptions& files) {
     std::vector<FileJob> jobs;
     std::map<fs::path, fs::path> sources;
     for (const fs::path& input : files.inputs) {
-        FileJob& job = jobs.emplace_back(input, isFolder ? output / input.filename() : output);
+        FileJob& job =
+            jobs.emplace_back(FileJob{input, isFolder ? output / input.filename() : output});
         if (isFolder && !format.empty()) {
             job.output.replace_extension(format);
         }

@@ -13,7 +13,7 @@ namespace imgbasic::host {
 struct FileJob {
     std::filesystem::path input;
     std::filesystem::path output;
-    std::string extension;  ///< of the output's format; empty where it is that of the input
+    std::string extension{};  ///< of the output's format; empty where it is that of the input
 };
 
 /// A command line that cannot be meant.

@@ -19,11 +19,9 @@ constexpr std::string_view kStepMark = ":";
 
 /// The filter that a step names. Throws CLI::ValidationError.
 std::string FilterOf(const std::string& step, const std::vector<std::string>& words) {
-    std::vector<std::string> filters;
-    for (const FilterRow& row : kFilterRows) {
-        filters.emplace_back(row.name);
-    }
-    const std::string word = words.empty() ? "" : words.front();
+    std::vector<std::string> filters(std::size(kFilterRows));
+    std::ranges::transform(kFilterRows, filters.begin(), &FilterRow::name);
+    std::string word = words.empty() ? "" : words.front();
     if (std::ranges::find(filters, word) == filters.end()) {
         throw CLI::ValidationError(step, DescribeUnknown(word, filters));
     }
@@ -70,8 +68,9 @@ void AddRunOptions(CLI::App& app, RunCommand& command) {
                for (const std::string& step : steps) {
                    const std::string text = step.substr(kStepMark.size());
                    const std::string number = std::to_string(command.steps.size() + 1);
-                   command.steps.push_back(
-                       ParseStep("step " + number + ", \"" + text + "\"", text));
+                   std::string name = "step ";
+                   name.append(number).append(", \"").append(text).append("\"");
+                   command.steps.push_back(ParseStep(name, text));
                }
            })
         ->allow_extra_args(false)
