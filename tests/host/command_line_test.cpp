@@ -472,19 +472,20 @@ TEST_F(CommandLine, RunsSeveralStepsAsSeveralCommandsWould) {
     Document layered = OneLayer(200, 100, 8, RandomDocuments(2).Pixels(200 * 100, 8));
     layered.items.push_back(LayerOf(RandomDocuments(3).Pixels(200 * 100, 8), 200, 100));
     SaveDocument(layered, Path("in.ora"), {});
-    for (const std::string kind : {".png", ".ora"}) {
-        const std::string in = "in" + kind;
-        const Result result =
-            Run("imgbasic gray " + in + " -o 1" + kind + " --method ntsc --target all &&" +
-                "imgbasic scaling 1" + kind + " -o 2" + kind + " --width 77 &&" +
-                "imgbasic nega 2" + kind + " -o 3" + kind + " --layer 0 &&" +
-                "imgbasic col_reduce 3" + kind + " -o 4.png --colors 9 --depth 16 --force && " +
-                "imgbasic run 'gray --method ntsc --target all' ' scaling  --width 77 ' "
-                "'nega --layer 0' 'col_reduce --colors 9' -- " +
-                in + " -o run.png --depth 16 --force --verbose");
+    for (const char* in : {"in.png", "in.ora"}) {
+        std::string shell = "in=";
+        shell.append(in).append(
+            "; k=${in#in}; imgbasic gray $in -o 1$k --method ntsc --target all && "
+            "imgbasic scaling 1$k -o 2$k --width 77 && imgbasic nega 2$k -o 3$k --layer 0 && "
+            "imgbasic col_reduce 3$k -o 4.png --colors 9 --depth 16 --force && "
+            "imgbasic run 'gray --method ntsc --target all' ' scaling  --width 77 ' "
+            "'nega --layer 0' 'col_reduce --colors 9' -- "
+            "$in -o run.png --depth 16 --force --verbose");
+        const Result result = Run(shell);
         EXPECT_EQ(result.status, 0) << result.err;
-        EXPECT_EQ(Bytes("run.png"), Bytes("4.png")) << kind;
-        EXPECT_THAT(result.err, HasSubstr(in + ": scaling, 200 x 100 to 77 x 39 pixels"));
+        EXPECT_EQ(Bytes("run.png"), Bytes("4.png")) << in;
+        EXPECT_THAT(result.err,
+                    HasSubstr(std::string(in) + ": scaling, 200 x 100 to 77 x 39 pixels"));
     }
 }
 
