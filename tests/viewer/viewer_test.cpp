@@ -48,8 +48,8 @@ host::Layer PaintedLayer(const Document& document, const char* name, PixelRect b
             const auto shade = [&](int step) {
                 return static_cast<uint16_t>((x * step + y * seed) % 256 * 256);
             };
-            layer.pixels[static_cast<size_t>(y * document.width + x)] = {shade(3), shade(5),
-                                                                         shade(9), kFullScale};
+            layer.pixels[static_cast<size_t>(y) * static_cast<size_t>(document.width) +
+                         static_cast<size_t>(x)] = {shade(3), shade(5), shade(9), kFullScale};
         }
     }
     return layer;
@@ -74,7 +74,7 @@ std::string BytesOf(const fs::path& path) {
 }
 
 class Viewer : public testing::Test {
-  protected:
+  public:
     Viewer() {
         ClearPrivateStore();
         fs::remove_all(folder_);
@@ -141,7 +141,9 @@ class Viewer : public testing::Test {
         int wrong = 0;
         for (int y = 0; y < document.height; ++y) {
             for (int x = 0; x < document.width; ++x) {
-                const RGBA16& pixel = flat[static_cast<size_t>(y * document.width + x)];
+                const RGBA16& pixel =
+                    flat[static_cast<size_t>(y) * static_cast<size_t>(document.width) +
+                         static_cast<size_t>(x)];
                 const uint32_t color = uint32_t{host::ToDepth8(pixel.r)} << 16 |
                                        uint32_t{host::ToDepth8(pixel.g)} << 8 |
                                        host::ToDepth8(pixel.b);
@@ -161,7 +163,7 @@ class Viewer : public testing::Test {
         const std::vector<RGBA16> left = host::Flatten(a);
         const std::vector<RGBA16> right = host::Flatten(b);
         ASSERT_EQ(left.size(), right.size());
-        const auto at = std::ranges::mismatch(left, right).in1 - left.begin();
+        const auto at = static_cast<size_t>(std::ranges::mismatch(left, right).in1 - left.begin());
         EXPECT_TRUE(left == right)
             << "from pixel " << at << " on: " << testing::PrintToString(left[at])
             << testing::PrintToString(right[at]);
@@ -387,7 +389,7 @@ std::string Encoded(const GUID& container) {
     host::Check(encoder->Commit());
     HGLOBAL memory = nullptr;
     host::Check(GetHGlobalFromStream(stream.Get(), &memory));
-    const std::string bytes(static_cast<const char*>(GlobalLock(memory)), GlobalSize(memory));
+    std::string bytes(static_cast<const char*>(GlobalLock(memory)), GlobalSize(memory));
     GlobalUnlock(memory);
     return bytes;
 }
