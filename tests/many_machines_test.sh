@@ -7,7 +7,11 @@ page=$(realpath "$(dirname "$0")/../docs/many-machines.md")
 PATH=$(realpath "$1"):$PATH
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
+trap 'echo "many_machines_test: line $LINENO: $BASH_COMMAND" >&2; cat errors.txt run.log >&2' ERR
 cd "$place"
+# Whoever runs this may have no home to write to and any shell; what parallel says is kept.
+mkdir home
+export HOME=$place/home SHELL=/bin/sh
 
 # The page's block of commands that begins with these words.
 commands() {
@@ -35,7 +39,7 @@ eval "$(commands 'ls photos')"
 
 run=$(commands 'parallel --sshloginfile hosts.txt --workdir')
 set -m # so that the run has a process group, as in a terminal
-(eval "exec $run") 2>/dev/null &
+(eval "exec $run") 2>errors.txt &
 while kill -0 %% && [ "$(find gray -type f 2>/dev/null | wc -l)" -lt 90 ]; do sleep 0.2; done
 kill -INT -- -$!
 wait $! && exit 1

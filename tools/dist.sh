@@ -9,12 +9,12 @@ version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' build/native/CMakeCache.txt)
 linux=imgbasic-$version-linux-x86_64
 windows=imgbasic-$version-win64
 rm -rf dist
-mkdir -p dist/work
+mkdir -p dist/stage
 
 umask 022
-cmake --install build/native --strip --prefix "dist/work/$linux" >/dev/null
-(cd build/native && cpack -B "$OLDPWD/dist/work" >/dev/null)
-mv dist/work/*.deb dist
+cmake --install build/native --strip --prefix "dist/stage/$linux" >/dev/null
+(cd build/native && cpack -B "$OLDPWD/dist/stage" >/dev/null)
+mv dist/stage/*.deb dist
 
 # What the programs of a folder need of the system: the libraries, how new those of the compiler
 # must be, and the packages that have them.
@@ -30,19 +30,19 @@ tell_requirements() {
     echo "On Debian they are in the packages"
     dpkg-deb -f dist/*.deb Depends | tr , '\n' | sed 's/^ */    /'
 }
-tell_requirements "dist/work/$linux" >"dist/work/requirements.txt"
-mv dist/work/requirements.txt "dist/work/$linux"
-tar -C dist/work --sort=name --mtime="@$SOURCE_DATE_EPOCH" --owner=0 --group=0 --numeric-owner \
+tell_requirements "dist/stage/$linux" >"dist/stage/requirements.txt"
+mv dist/stage/requirements.txt "dist/stage/$linux"
+tar -C dist/stage --sort=name --mtime="@$SOURCE_DATE_EPOCH" --owner=0 --group=0 --numeric-owner \
     -c "$linux" | gzip -n9 >"dist/$linux.tar.gz"
 
-mkdir "dist/work/$windows"
-install -m 644 -t "dist/work/$windows" README.md CHANGELOG.md LICENSE
-install -s --strip-program=x86_64-w64-mingw32-strip -t "dist/work/$windows" \
+mkdir "dist/stage/$windows"
+install -m 644 -t "dist/stage/$windows" README.md CHANGELOG.md LICENSE
+install -s --strip-program=x86_64-w64-mingw32-strip -t "dist/stage/$windows" \
     build/win64/bin/imgbasic.dll build/win64/bin/imgbasic-viewer.exe
-find "dist/work/$windows" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
-(cd dist/work && find "$windows" | LC_ALL=C sort | zip -qX -@ "../$windows.zip")
+find "dist/stage/$windows" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
+(cd dist/stage && find "$windows" | LC_ALL=C sort | zip -qX -@ "../$windows.zip")
 
 python/make_wheel.py build/native/python/imgbasic \
-    "$(find "dist/work/$linux" -name libimgbasic.so)" dist >/dev/null
-rm -rf dist/work
+    "$(find "dist/stage/$linux" -name libimgbasic.so)" dist >/dev/null
+rm -rf dist/stage
 (cd dist && sha256sum -- * | tee SHA256SUMS)

@@ -23,9 +23,10 @@ struct FilterCommand {
     uint32_t drawColor = 0x000000;
     uint32_t backColor = 0xFFFFFF;
     std::vector<OptionValue> options;
-    bool remembered = false;  ///< start from the stored options
-    bool remember = false;    ///< store the options after the run
-    SizeRequest size;         ///< scaling only
+    bool remembered = false;         ///< start from the stored options
+    bool remember = false;           ///< store the options after the run
+    SizeRequest size;                ///< scaling only
+    std::vector<std::string> notes;  ///< on the flags, for the user
 };
 
 /// Adds the options of `command.filter`, which parsing puts into `command`.

@@ -322,7 +322,7 @@ void AddFilterOptions(CLI::App& app, FilterCommand& command) {
     if (!std::ranges::find(kFilterRows, command.filter, &FilterRow::name)->changesSize) {
         AddLayers(app, command);
     }
-    app.parse_complete_callback([&] { RefuseIneffective(app, command); });
+    app.parse_complete_callback([&] { command.notes = IneffectiveFlags(app, command); });
 }
 
 void AddStoredOptions(CLI::App& app, FilterCommand& command) {

@@ -56,27 +56,26 @@ bool IsGiven(const CLI::App& app, const char* flag) {
     return option != nullptr && option->count() > 0;
 }
 
-[[noreturn]] void Refuse(const char* flag, const std::string& why) {
-    throw CLI::ValidationError(flag, "has no effect " + why);
-}
-
 }  // namespace
 
-void RefuseIneffective(const CLI::App& app, const FilterCommand& command) {
+std::vector<std::string> IneffectiveFlags(const CLI::App& app, const FilterCommand& command) {
+    std::vector<std::string> flags;
     for (const Need& need : kNeeds) {
         if (command.filter == need.filter && IsGiven(app, need.flag) &&
             !(need.isStored && command.remember) &&
             EffectiveValue(command, need.option) != need.value) {
-            Refuse(need.flag, std::string("without ") + need.asked);
+            flags.push_back(std::string(need.flag) + " has no effect without " + need.asked);
         }
     }
     if (IsGiven(app, "--no-change-brush") && !command.remember) {
-        Refuse("--no-change-brush",
-               "here, where there are no brushes (--remember keeps it for other hosts)");
+        flags.emplace_back(
+            "--no-change-brush has no effect here, where there are no brushes (--remember keeps it "
+            "for other hosts)");
     }
     if (IsGiven(app, "--layer") && command.target.value_or(CurrentLayer) != CurrentLayer) {
-        Refuse("--layer", "with another --target than current");
+        flags.emplace_back("--layer has no effect with another --target than current");
     }
+    return flags;
 }
 
 }  // namespace imgbasic::host

@@ -4,8 +4,8 @@
 
 namespace imgbasic::host {
 
-/// Throws CLI::ValidationError when an option that was given on the command line of `command` can
-/// have no effect, because of what another one says. `app` has parsed it.
-void RefuseIneffective(const CLI::App& app, const FilterCommand& command);
+/// The flags that were given for `command` and can have no effect because of what others say, each
+/// with the reason. `app` has parsed them.
+std::vector<std::string> IneffectiveFlags(const CLI::App& app, const FilterCommand& command);
 
 }  // namespace imgbasic::host

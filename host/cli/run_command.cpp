@@ -24,6 +24,14 @@ void CompleteSteps(std::vector<FilterCommand>& steps) {
     }
 }
 
+void TellNotes(const std::vector<FilterCommand>& steps, const Report& report) {
+    for (size_t index = 0; index < steps.size(); ++index) {
+        for (const std::string& note : steps[index].notes) {
+            report.Note(StepName(steps, index) + note);
+        }
+    }
+}
+
 /// The objects that the module makes for running the steps over many files.
 std::vector<FilterObject> BatchesFor(const Module& module, const RunCommand& command,
                                      size_t files) {
@@ -73,6 +81,7 @@ bool RunFilters(const Module& module, RunCommand command) {
     const auto start = std::chrono::steady_clock::now();
     CompleteSteps(command.steps);
     const Report report(command.files.quiet);
+    TellNotes(command.steps, report);
     const std::vector<FileJob> jobs = PlanJobs(command.files);
     const size_t workers = command.files.jobs;
     auto batches = BatchesFor(module, command, jobs.size());
