@@ -21,6 +21,20 @@ struct BenchSize {
 constexpr BenchSize k2Megapixels{1920, 1080};
 constexpr BenchSize k16Megapixels{4928, 3264};
 
+/// The sides of square pictures over which the time a pixel is followed: a preview, 1 to 64
+/// megapixels.
+inline void GrowingSides(benchmark::internal::Benchmark* benchmark) {
+    for (const int64_t side : {256, 1024, 2048, 4096, 8192}) {
+        benchmark->Arg(side);
+    }
+    benchmark->UseManualTime();
+}
+
+inline BenchSize SquareOf(const benchmark::State& state) {
+    const auto side = static_cast<int32_t>(state.range(0));
+    return {side, side};
+}
+
 /// Copies `bytes` between buffers of its own that are kept warm; the yardstick of every ratio.
 void CopyMemory(size_t bytes);
 

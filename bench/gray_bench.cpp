@@ -14,6 +14,11 @@ void Gray(benchmark::State& state, BenchSize size, Picture& picture) {
     RunPointFilter(state, gray, size, picture(size));
 }
 
+void GrayGrowth(benchmark::State& state) {
+    GrayScaleImageProcess gray;
+    RunPointFilter(state, gray, SquareOf(state), Translucent(SquareOf(state)));
+}
+
 BENCHMARK_CAPTURE(Gray, opaque_2MP, k2Megapixels, OpaquePhoto)->DenseRange(0, 9)->UseManualTime();
 BENCHMARK_CAPTURE(Gray, opaque_16MP, k16Megapixels, OpaquePhoto)->DenseRange(0, 9)->UseManualTime();
 BENCHMARK_CAPTURE(Gray, soft_2MP, k2Megapixels, SoftEdged)->DenseRange(0, 9)->UseManualTime();
@@ -24,6 +29,8 @@ BENCHMARK_CAPTURE(Gray, translucent_2MP, k2Megapixels, Translucent)
 BENCHMARK_CAPTURE(Gray, translucent_16MP, k16Megapixels, Translucent)
     ->DenseRange(0, 9)
     ->UseManualTime();
+
+BENCHMARK(GrayGrowth)->Apply(GrowingSides);
 
 }  // namespace
 }  // namespace imgbasic

@@ -16,5 +16,11 @@ BENCHMARK_CAPTURE(Nega, merged_16MP, k16Megapixels, MergedImage)->UseManualTime(
 BENCHMARK_CAPTURE(Nega, layer_2MP, k2Megapixels, AllLayers)->UseManualTime();
 BENCHMARK_CAPTURE(Nega, layer_16MP, k16Megapixels, AllLayers)->UseManualTime();
 
+void NegaGrowth(benchmark::State& state) {
+    Nega(state, SquareOf(state), MergedImage);
+}
+
+BENCHMARK(NegaGrowth)->Apply(GrowingSides);
+
 }  // namespace
 }  // namespace imgbasic

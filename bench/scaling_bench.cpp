@@ -36,6 +36,14 @@ void Scale(benchmark::State& state, const Kernel& kernel, const ScalingCase& sca
     RunBesideMemoryCopy(state, scaling.LargerBytes(), [&] { process.Execute(args); });
 }
 
+void Halve(benchmark::State& state, const Kernel& kernel) {
+    const BenchSize size = SquareOf(state);
+    Scale(state, kernel, {"", size, {size.width / 2, size.height / 2}, true});
+}
+
+BENCHMARK_CAPTURE(Halve, average, kKernels[1])->Name("AverageGrowth")->Apply(GrowingSides);
+BENCHMARK_CAPTURE(Halve, bilinear, kKernels[2])->Name("BilinearGrowth")->Apply(GrowingSides);
+
 [[maybe_unused]] const bool kRegistered = [] {
     for (const ScalingCase& scaling : ScalingCases()) {
         for (const Kernel& kernel : kKernels) {
