@@ -55,7 +55,7 @@ struct Deflated {
 Deflated Deflate(const Bytes& bytes, int level) {
     z_stream stream{};
     deflateInit2(&stream, level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
-    Bytes data(deflateBound(&stream, bytes.size()));
+    Bytes data(deflateBound(&stream, static_cast<uLong>(bytes.size())));
     stream.next_in = const_cast<Bytef*>(bytes.data());
     stream.avail_in = static_cast<uInt>(bytes.size());
     stream.next_out = data.data();

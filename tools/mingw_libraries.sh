@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the libraries that the viewer shares with the command line and that no package has for
-# Windows, from the sources of the system's own packages, into build/mingw. Run it by ./dev.
+# Builds what no package has for Windows, from the sources of the system's own packages, into
+# build/mingw: the libraries that the viewer shares with the command line, and the benchmarks'. Run
+# it by ./dev.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,7 +18,8 @@ echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $reposi
 aside=(-qq -o Dir::Etc::SourceList="$work/sources.list" -o Dir::Etc::SourceParts=-
     -o Dir::State="$work/state" -o Dir::Cache="$work/cache" -o APT::Sandbox::User=)
 apt-get "${aside[@]}" update
-(cd "$work/sources" && apt-get "${aside[@]}" --download-only source libpng1.6 libzip pugixml)
+(cd "$work/sources" && apt-get "${aside[@]}" --download-only source \
+    benchmark libpng1.6 libzip pugixml)
 
 # One library: the name of its source package, and what its own build is told.
 build() {
@@ -31,6 +33,7 @@ build() {
 }
 build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF
 build pugixml
+build benchmark -DBENCHMARK_ENABLE_TESTING=OFF -DGIT_VERSION=0.0.0 # which stands for its own
 build libzip -DENABLE_WINDOWS_CRYPTO=OFF -DENABLE_BZIP2=OFF -DENABLE_LZMA=OFF -DENABLE_OPENSSL=OFF \
     -DENABLE_GNUTLS=OFF -DENABLE_MBEDTLS=OFF -DENABLE_COMMONCRYPTO=OFF -DBUILD_TOOLS=OFF \
     -DBUILD_REGRESS=OFF -DBUILD_EXAMPLES=OFF -DBUILD_DOC=OFF
