@@ -132,13 +132,18 @@ def anchors(page):
 
 
 def look_up(page):
-    """Looks for what a page links to, and for the verbs of ./dev that it names."""
+    """Looks for what a page links to, and for the files and the verbs of ./dev that it names."""
     text = (TREE / page).read_text(encoding="utf-8")
     for link in re.findall(r"\]\((?!https?:)([^)]+)\)", text):
         name, _, anchor = link.partition("#")
         target = (TREE / page).parent / name if name else TREE / page
         if not target.exists() or anchor and anchor not in anchors(target):
             faults.append(f"{page}: leads to {link}, which is not there")
+    folders = "|".join(folder.name for folder in TREE.iterdir() if folder.is_dir())
+    for file in re.findall(rf"(?<![\w./*-])(?:{folders})/[\w./*-]+", text):
+        if not file.startswith(("build/", "dist/")) and "NAME" not in file:
+            if not list(TREE.glob(file.rstrip("./"))):
+                faults.append(f"{page}: names {file}, which is not there")
     verbs = re.findall(r"^([a-z-]+)\)$", (TREE / "dev").read_text(encoding="utf-8"), re.M)
     for verb in re.findall(r"\./dev\s+([a-z-]+)", text):
         if verb not in verbs + ["help"]:
