@@ -16,6 +16,8 @@ use_program() {
     "$1/bin/imgbasic" info inverted.png >/dev/null
     "$1/bin/imgbasic" --version | grep -qwF "$version"
     man -l "$1/share/man/man1/imgbasic.1" | grep -qF col_reduce
+    (cd "$1" && ls lib/gimp/2.0/plug-ins/imgbasic-gimp/imgbasic-gimp include/imgbasic_host.h \
+        share/bash-completion/completions/imgbasic share/doc/imgbasic/docs/index.md) >/dev/null
 }
 
 case "$file" in
@@ -33,6 +35,7 @@ case "$file" in
 *.zip)
     unzip -q "$file"
     cd imgbasic-*
+    ls README.ja.md docs/images/filter-gray.png imgbasic-viewer.exe >/dev/null
     "$tree/tests/minimal_host_test.sh" wine "$tree/build/win64/bin/minimal_host.exe" imgbasic.dll
     ;;
 *.whl)
