@@ -9,6 +9,7 @@ install_packages man-db python3-venv unzip
 run_check tests/dist_test.sh dist/*.deb "$version"
 run_check tests/dist_test.sh dist/*.tar.gz "$version"
 run_check tests/dist_test.sh dist/*.whl "$version"
+build_preset win64 minimal_host
 prepare_wine
 run_check run_wine tests/dist_test.sh dist/*.zip "$version"
 

@@ -3,8 +3,8 @@
 install_packages "${test_packages[@]}" file zip
 export SOURCE_DATE_EPOCH TZ=UTC
 SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
-build_preset native
-build_preset win64
+build_preset native imgbasic_texts imgbasic_gimp python_package
+build_preset win64 imgbasic_module imgbasic_viewer
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' build/native/CMakeCache.txt)
 linux=imgbasic-$version-linux-x86_64
 windows=imgbasic-$version-win64
