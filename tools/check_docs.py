@@ -18,6 +18,7 @@ from pathlib import Path
 TREE = Path(__file__).resolve().parent.parent
 PAGES = ["README.md", "README.ja.md", "CONTRIBUTING.md"]
 PAGES += sorted(str(page.relative_to(TREE)) for page in (TREE / "docs").glob("*.md"))
+PROGRAM = TREE / "build/native/bin/imgbasic"
 ON_THEIR_OWN = {"docs/many-machines.md"}
 
 # How lines begin that are not run here, and why.
@@ -83,9 +84,9 @@ def make_folder(folder):
 
 def make_pictures(folder):
     """The pictures that the pages under docs/ speak of."""
-    program, sample = TREE / "build/native/bin/imgbasic", TREE / "samples/landscape.ora"
+    sample = TREE / "samples/landscape.ora"
     for name in ["photo.png", "photo.jpg", "a.jpg", "scan.png", "scan.tif"]:
-        subprocess.run([program, "scaling", sample, "--ratio", "20", "--quiet", "-o", folder / name],
+        subprocess.run([PROGRAM, "scaling", sample, "--ratio", "20", "--quiet", "-o", folder / name],
                        check=True)
     (folder / "drawing.ora").write_bytes(sample.read_bytes())
 
@@ -106,6 +107,8 @@ def run(folder, page, argv, **settings):
 
 def do(page):
     shell, python, gimp = commands(page)
+    if not any(shell + python + gimp):
+        return 0
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         make_folder(folder)
@@ -151,6 +154,20 @@ def look_up(page):
             faults.append(f"{page}: names ./dev {verb}, which is no verb")
 
 
+def check_flags():
+    """The flags that the two pages about the command line speak of are in its help."""
+    def help_of(*words):
+        return subprocess.run([PROGRAM, *words, "--help"], check=True, stdout=subprocess.PIPE,
+                              text=True).stdout
+
+    names = re.findall(r"^  ([a-z_]+) ", help_of().partition("Subcommands:")[2], re.M)
+    flags = set(re.findall(r"--[a-z-]+", " ".join(map(help_of, names))))
+    for page in ["README.md", "docs/command-line.md"]:
+        spans = " ".join(re.findall(r"`([^`]+)`", (TREE / page).read_text(encoding="utf-8")))
+        faults.extend(f"{page}: names {flag}, which no command has"
+                      for flag in set(re.findall(r"(?<!\S)--[a-z-]+", spans)) - flags)
+
+
 def texts_of_windows():
     """The Japanese texts of the options dialogs with the lists in them, and those of the viewer."""
     def read(pattern, files):
@@ -184,6 +201,7 @@ def main():
         name = page.removeprefix("docs/")
         if name not in ("index.md", "README.md") and f"({name})" not in index.replace("../", ""):
             faults.append(f"docs/index.md: lacks {name}")
+    check_flags()
     words = check_japanese_words()
     faults.extend(f"check_docs.py: no page says {start!r} any more" for start in unused)
     print(*faults, sep="\n")
