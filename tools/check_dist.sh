@@ -4,6 +4,8 @@ if ! git diff --quiet HEAD; then
     echo "dev: check-dist packs a commit; commit or stash what you changed" >&2
     exit 2
 fi
+rm -rf build/again
+git clone -q . build/again # before packing, in which time the branch may go on
 . tools/dist.sh
 install_packages man-db python3-venv unzip
 run_check tests/dist_test.sh dist/*.deb "$version"
@@ -13,8 +15,6 @@ build_preset win64 minimal_host
 prepare_wine
 run_check run_wine tests/dist_test.sh dist/*.zip "$version"
 
-rm -rf build/again
-git clone -q . build/again
 build/again/dev dist >/dev/null
 run_check diff dist/SHA256SUMS build/again/dist/SHA256SUMS
 summary
