@@ -85,7 +85,7 @@ def make_folder(folder):
 def make_pictures(folder):
     """The pictures that the pages under docs/ speak of."""
     sample = TREE / "samples/landscape.ora"
-    for name in ["photo.png", "photo.jpg", "a.jpg", "scan.png", "scan.tif"]:
+    for name in ["photo.png", "photo.jpg", "scan.png", "scan.tif"]:
         subprocess.run([PROGRAM, "scaling", sample, "--ratio", "20", "--quiet", "-o", folder / name],
                        check=True)
     (folder / "drawing.ora").write_bytes(sample.read_bytes())

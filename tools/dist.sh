@@ -45,4 +45,5 @@ find "dist/stage/$windows" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
 python/make_wheel.py build/native/python/imgbasic \
     "$(find "dist/stage/$linux" -name libimgbasic.so)" dist >/dev/null
 rm -rf dist/stage
-(cd dist && sha256sum -- * | tee SHA256SUMS)
+sums=$(cd dist && sha256sum -- *) # complete before its own file is there
+echo "$sums" | tee dist/SHA256SUMS
