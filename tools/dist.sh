@@ -36,9 +36,10 @@ tar -C dist/stage --sort=name --mtime="@$SOURCE_DATE_EPOCH" --owner=0 --group=0 
     -c "$linux" | gzip -n9 >"dist/$linux.tar.gz"
 
 mkdir "dist/stage/$windows"
-cp -r "dist/stage/$linux"/share/doc/imgbasic/* "dist/stage/$windows"
+install -m 644 -t "dist/stage/$windows" README.md CHANGELOG.md LICENSE
 install -s --strip-program=x86_64-w64-mingw32-strip -t "dist/stage/$windows" \
     build/win64/bin/imgbasic.dll build/win64/bin/imgbasic-viewer.exe
+cp -r "dist/stage/$linux"/share/doc/imgbasic/{README.ja.md,docs} "dist/stage/$windows"
 find "dist/stage/$windows" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
 (cd dist/stage && find "$windows" | LC_ALL=C sort | zip -qX -@ "../$windows.zip")
 
