@@ -177,7 +177,7 @@ def texts_of_windows():
 
     dialogs = read(r'"([^"\n]+)"', "plugin/imgbasic/dialogs/dialogs.rc")
     dialogs |= read(r'\{"([^"]+)", "', "plugin/imgbasic/*.h")
-    viewer = read(r'L"([^"]+)"', "host/viewer/*.cpp")
+    viewer = read(r'L"([^"]+)"', "host/viewer/*")
     return dialogs, {re.sub(r"\(&.\)|…", "", text) for text in viewer}
 
 
