@@ -78,7 +78,7 @@ host -> module: ImagePluginDispose (object)
 COLUMNS = {"user": 70, "host": 260, "module": 720}
 WIDTH, ROW, TOP = 800, 30, 36
 STYLE = """
-text { font: 13px sans-serif; fill: #203040; stroke: white; stroke-width: 4; paint-order: stroke }
+text { font: 13px sans-serif; fill: #203040 }
 .who { font-weight: bold; text-anchor: middle }
 .frame { fill: none; stroke: #8090a0; stroke-dasharray: 2 2 }
 .label { font-style: italic; fill: #506070 }
