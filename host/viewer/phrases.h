@@ -55,11 +55,11 @@ inline constexpr Phrase kCannotRun{L"The filter did not run; the picture is as i
 inline constexpr Phrase kCannotDo{L"That cannot be done.", L"実行できません。"};
 inline constexpr Phrase kCannotStart{L"The viewer cannot start.", L"ビューアを起動できません。"};
 inline constexpr Phrase kRunLoses{
-    L"The result will not keep everything of the file. Run the filter all the same?",
+    L"The result cannot keep everything. Run the filter all the same?",
     L"結果に残せないものがあります。フィルタを実行しますか?"};
 inline constexpr Phrase kPngLoses{
-    L"A PNG keeps no layers, only the picture that they show together. Save it all the same?",
-    L"PNG にはレイヤーを残せず、合成した画像だけを保存します。保存しますか?"};
+    L"A PNG keeps no layers. Save the picture that they show together?",
+    L"PNG にはレイヤーを残せません。合成した画像を保存しますか?"};
 inline constexpr Phrase kRemarks{L"Please note:", L"ご注意:"};
 inline constexpr Phrase kNoMemory{L"There is not enough memory.", L"メモリが足りません。"};
 inline constexpr Phrase kCancel{L"Cancel", L"キャンセル"};
