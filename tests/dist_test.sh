@@ -18,6 +18,20 @@ use_program() {
     man -l "$1/share/man/man1/imgbasic.1" | grep -qF col_reduce
 }
 
+# The viewer shows a picture, runs a filter of the module that lies beside it, and ends when asked to.
+use_viewer() {
+    WINEDEBUG=+loaddll wine imgbasic-viewer.exe "$tree/samples/landscape.ora" 2>loaded &
+    timeout 60 xdotool search --sync --onlyvisible --name '^landscape\.ora .* 1200 ' >/dev/null
+    sleep 2
+    xdotool key alt+i # the menu of filters; splitting channels asks for nothing
+    sleep 1
+    xdotool key Down Down Down Down Return
+    timeout 60 xdotool search --sync --onlyvisible --name '^landscape\.ora\*.* ms ' >/dev/null
+    xdotool key ctrl+z alt+F4
+    wait $!
+    grep -F "${PWD##*/}\\\\imgbasic.dll" loaded | grep -qF native
+}
+
 case "$file" in
 *.deb)
     dpkg-deb -x "$file" .
@@ -34,6 +48,8 @@ case "$file" in
     unzip -q "$file"
     cd imgbasic-*
     "$tree/tests/minimal_host_test.sh" wine "$tree/build/win64/bin/minimal_host.exe" imgbasic.dll
+    ls README.md LICENSE licenses/libzip.txt >/dev/null
+    use_viewer
     ;;
 *.whl)
     /usr/bin/python3 -m venv --system-site-packages venv # which have numpy
