@@ -23,8 +23,8 @@ std::vector<std::string> Process(const host::Module& module, ImageProcess& refer
     host::Document document = host::LoadDocument(input, &notes);
     const char* const extension = document.source ? ".ora" : ".png";
     const bool resizes = module.isSizeChange(order.filter.c_str());
-    for (const std::string& loss : host::LossesOf(document, resizes)) {
-        fail(loss);
+    if (const auto losses = host::LossesOf(document, resizes); !losses.empty()) {
+        fail(losses.front());
     }
     host::RunOutcome outcome =
         host::RunFilter(module, std::move(document),
