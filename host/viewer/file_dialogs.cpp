@@ -88,6 +88,11 @@ std::filesystem::path AskWhereToSave(HWND owner, const std::filesystem::path& pr
     const std::filesystem::path extension = proposed.extension();
     Check(dialog->SetFileTypes(2, types));
     Check(dialog->SetFileTypeIndex(extension == kSavedTypes[1] ? 2 : 1));
+    ComPtr<IShellItem> folder;
+    if (SUCCEEDED(SHCreateItemFromParsingName(proposed.parent_path().c_str(), nullptr,
+                                              IID_PPV_ARGS(folder.GetAddressOf())))) {
+        Check(dialog->SetFolder(folder.Get()));
+    }
     Check(dialog->SetFileName(proposed.stem().c_str()));
     Check(dialog->SetDefaultExtension(extension.c_str() + 1));
     if (!Confirmed(*dialog.Get(), owner)) {

@@ -11,10 +11,14 @@
 namespace imgbasic::viewer {
 namespace {
 
+/// Their whole paths: the system's dialogs change the current folder.
 std::vector<std::filesystem::path> NamedFiles() {
     int count = 0;
     wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::filesystem::path> files(words + 1, words + count);
+    for (std::filesystem::path& file : files) {
+        file = std::filesystem::absolute(file);
+    }
     LocalFree(static_cast<HLOCAL>(words));
     return files;
 }

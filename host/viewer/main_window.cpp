@@ -180,9 +180,8 @@ bool MainWindow::Save() {
 }
 
 bool MainWindow::SaveAs() {
-    const char* const extension = NeedsLayers() ? ".ora" : ".png";
-    const std::filesystem::path path =
-        AskWhereToSave(Handle(), std::filesystem::path(FileName()).replace_extension(extension));
+    std::filesystem::path path = picture_.Path().parent_path() / FileName();
+    path = AskWhereToSave(Handle(), path.replace_extension(NeedsLayers() ? ".ora" : ".png"));
     return !path.empty() && SaveTo(path);
 }
 
