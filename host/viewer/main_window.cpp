@@ -252,7 +252,7 @@ void MainWindow::Show(const host::Document& document) {
 }
 
 void MainWindow::ShowAll() {
-    panel_->Show(picture_.Rows(), picture_.current);  // which needs the document's rows at once
+    panel_->Show(picture_.Rows(), picture_.current);  // first, as its old rows may be gone
     Show(picture_.Content());
 }
 

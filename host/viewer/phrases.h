@@ -56,7 +56,8 @@ inline constexpr Phrase kCannotDo{L"That cannot be done.", L"実行できませ�
 inline constexpr Phrase kCannotStart{L"The viewer cannot start.", L"ビューアを起動できません。"};
 inline constexpr Phrase kRunLoses{
     L"The result cannot keep everything. Run the filter all the same?",
-    L"結果に残せないものがあります。フィルタを実行しますか?"};
+    L"結果に残せないものがあります (表示できない合成モード、拡大縮小されない画像の外の部分)。"
+    L"フィルタを実行しますか?"};
 inline constexpr Phrase kPngLoses{
     L"A PNG keeps no layers. Save the picture that they show together?",
     L"PNG にはレイヤーを残せません。合成した画像を保存しますか?"};
