@@ -35,6 +35,8 @@ take_picture() {
 marlett=/usr/share/wine/fonts/marlett.ttf
 [ ! -f "$marlett" ] || cp "$marlett" "$WINEPREFIX/drive_c/windows/Fonts/"
 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+# The dialogs show the options of a first use.
+wine reg delete 'HKCU\Software\orvex\brelo2\plugin\imgbasic' /f >/dev/null 2>&1 || true
 set_dpi "$dpi"
 for filter in nega gray mono col_reduce scaling; do
     wine "$bin/show_dialog.exe" "$filter" >/dev/null &

@@ -16,6 +16,8 @@ namespace imgbasic::host {
 struct LayerPosition {
     int32_t item = 0;
     int32_t layer = -1;  ///< -1 for the item itself
+
+    bool operator==(const LayerPosition&) const = default;
 };
 
 /// A point that stays with the picture when its size changes, in pixels.

@@ -1,20 +1,12 @@
 #include <windows.h>
 
 #include "host/text_encoding.h"
+#include "lib/base/wide_text.h"
 
 namespace imgbasic::host {
 namespace {
 
 constexpr UINT kShiftJis = 932;
-
-/// What is no text of that code page becomes U+FFFD.
-std::wstring Wide(std::string_view text, UINT codePage) {
-    const auto size = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0');
-    const int length = MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), size);
-    wide.resize(static_cast<size_t>(length));
-    return wide;
-}
 
 std::string Narrow(const std::wstring& text, UINT codePage) {
     const auto size = static_cast<int>(text.size());
@@ -29,15 +21,15 @@ std::string Narrow(const std::wstring& text, UINT codePage) {
 }  // namespace
 
 std::string Utf8ToShiftJis(std::string_view utf8) {
-    return Narrow(Wide(utf8, CP_UTF8), kShiftJis);
+    return Narrow(WideFromUtf8(utf8), kShiftJis);
 }
 
 std::string ShiftJisToUtf8(std::string_view shiftJis) {
-    return Narrow(Wide(shiftJis, kShiftJis), CP_UTF8);
+    return Narrow(WideFromShiftJis(shiftJis), CP_UTF8);
 }
 
 std::string ValidUtf8(const std::string& text) {
-    return Narrow(Wide(text.c_str(), CP_UTF8), CP_UTF8);
+    return Narrow(WideFromUtf8(text.c_str()), CP_UTF8);
 }
 
 }  // namespace imgbasic::host

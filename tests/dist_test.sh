@@ -20,6 +20,20 @@ use_program() {
         share/bash-completion/completions/imgbasic share/doc/imgbasic/docs/index.md) >/dev/null
 }
 
+# The viewer shows a picture, runs a filter of the module that lies beside it, and ends when asked to.
+use_viewer() {
+    WINEDEBUG=+loaddll wine imgbasic-viewer.exe "$tree/samples/landscape.ora" 2>loaded &
+    timeout 60 xdotool search --sync --onlyvisible --name '^landscape\.ora .* 1200 ' >/dev/null
+    sleep 2
+    xdotool key alt+i # the menu of filters; splitting channels asks for nothing
+    sleep 1
+    xdotool key Down Down Down Down Return
+    timeout 60 xdotool search --sync --onlyvisible --name '^landscape\.ora\*.* ms ' >/dev/null
+    xdotool key ctrl+z alt+F4
+    wait $!
+    grep -F "${PWD##*/}\\\\imgbasic.dll" loaded | grep -qF native
+}
+
 case "$file" in
 *.deb)
     dpkg-deb -x "$file" .
@@ -37,6 +51,8 @@ case "$file" in
     cd imgbasic-*
     ls README.ja.md docs/images/filter-gray.png imgbasic-viewer.exe >/dev/null
     "$tree/tests/minimal_host_test.sh" wine "$tree/build/win64/bin/minimal_host.exe" imgbasic.dll
+    ls README.md LICENSE licenses/libzip.txt >/dev/null
+    use_viewer
     ;;
 *.whl)
     /usr/bin/python3 -m venv --system-site-packages venv # which have numpy

@@ -35,7 +35,9 @@ mv dist/stage/requirements.txt "dist/stage/$linux"
 tar -C dist/stage --sort=name --mtime="@$SOURCE_DATE_EPOCH" --owner=0 --group=0 --numeric-owner \
     -c "$linux" | gzip -n9 >"dist/$linux.tar.gz"
 
-mkdir "dist/stage/$windows"
+# The libraries in the programs want their licences to come with them.
+install -D -m 644 -t "dist/stage/$windows/licenses" \
+    build/mingw/licenses/{libpng1.6,libzip,mingw-w64,pugixml,zlib}.txt
 install -m 644 -t "dist/stage/$windows" README.md CHANGELOG.md LICENSE
 install -s --strip-program=x86_64-w64-mingw32-strip -t "dist/stage/$windows" \
     build/win64/bin/imgbasic.dll build/win64/bin/imgbasic-viewer.exe

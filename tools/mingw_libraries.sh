@@ -30,6 +30,7 @@ build() {
         -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw-w64.cmake" -DCMAKE_BUILD_TYPE=Release \
         -DZLIB_USE_STATIC_LIBS=ON -DCMAKE_INSTALL_PREFIX="$prefix" -Wno-dev "$@" >"$work/$name.log" 2>&1
     cmake --build "$work/build-$name" --target install >>"$work/$name.log" 2>&1
+    install -D -m 644 "$work/$name/debian/copyright" "$prefix/licenses/$name.txt"
 }
 build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF
 build pugixml
@@ -37,5 +38,8 @@ build benchmark -DBENCHMARK_ENABLE_TESTING=OFF -DGIT_VERSION=0.0.0 # which stand
 build libzip -DENABLE_WINDOWS_CRYPTO=OFF -DENABLE_BZIP2=OFF -DENABLE_LZMA=OFF -DENABLE_OPENSSL=OFF \
     -DENABLE_GNUTLS=OFF -DENABLE_MBEDTLS=OFF -DENABLE_COMMONCRYPTO=OFF -DBUILD_TOOLS=OFF \
     -DBUILD_REGRESS=OFF -DBUILD_EXAMPLES=OFF -DBUILD_DOC=OFF
+# What else is linked in statically.
+install -m 644 /usr/share/doc/libz-mingw-w64-dev/copyright "$prefix/licenses/zlib.txt"
+install -m 644 /usr/share/doc/mingw-w64-x86-64-dev/copyright "$prefix/licenses/mingw-w64.txt"
 rm -rf "$work"
 touch "$prefix/.complete"

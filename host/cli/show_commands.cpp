@@ -5,6 +5,7 @@
 
 #include "host/cli/text_table.h"
 #include "host/image_file.h"
+#include "host/layer_rows.h"
 #include "host/openraster.h"
 #include "host/text_encoding.h"
 #include "plugin/imgbasic/filters.h"
@@ -38,9 +39,17 @@ std::string BoundsText(const PixelRect& bounds) {
            std::to_string(bounds.left) + ", " + std::to_string(bounds.top);
 }
 
-/// The columns that layers and folders share.
-TextRow RowOf(const std::string& position, size_t depth, const LayerAttributes& member,
-              const std::string& place) {
+/// "2" of an item, "  2 0" of a layer in a folder, nothing of a folder in a folder.
+std::string PositionText(const LayerRow& row) {
+    if (row.depth > 0 && row.layer == nullptr) {
+        return "";
+    }
+    const std::string item = std::to_string(row.position.item);
+    return row.depth == 0 ? item : "  " + item + " " + std::to_string(row.position.layer);
+}
+
+TextRow TextOf(const LayerRow& row) {
+    const LayerAttributes& member = *row.member;
     std::string remarks;
     if (member.clip) {
         remarks += "clipped ";
@@ -48,39 +57,12 @@ TextRow RowOf(const std::string& position, size_t depth, const LayerAttributes& 
     if (!member.visible) {
         remarks += "hidden";
     }
-    return {position,
-            std::string(2 * depth, ' ') + member.name,
-            place,
+    return {PositionText(row),
+            std::string(2 * row.depth, ' ') + member.name,
+            row.layer != nullptr ? BoundsText(row.layer->bounds) : "folder",
             KindName(member),
             PercentText(member.opacity),
             remarks};
-}
-
-/// A folder's members; `next` is the number of its next layer, those of inner folders counted.
-void AddMembers(std::vector<TextRow>& rows, const std::string& item, size_t depth,
-                const std::vector<Item>& members, size_t& next) {
-    for (const Item& member : members) {
-        if (const auto* folder = std::get_if<Folder>(&member)) {
-            rows.push_back(RowOf("", depth, *folder, "folder"));
-            AddMembers(rows, item, depth + 1, folder->items, next);
-        } else {
-            const auto& layer = std::get<Layer>(member);
-            rows.push_back(RowOf("  " + item + " " + std::to_string(next++), depth, layer,
-                                 BoundsText(layer.bounds)));
-        }
-    }
-}
-
-void AddItem(std::vector<TextRow>& rows, size_t index, const Item& item) {
-    const std::string position = std::to_string(index);
-    if (const auto* layer = std::get_if<Layer>(&item)) {
-        rows.push_back(RowOf(position, 0, *layer, BoundsText(layer->bounds)));
-        return;
-    }
-    const auto& folder = std::get<Folder>(item);
-    rows.push_back(RowOf(position, 0, folder, "folder"));
-    size_t next = 0;
-    AddMembers(rows, position, 1, folder.items, next);
 }
 
 void Print(const std::string& text) {
@@ -143,7 +125,7 @@ void ShowFile(const std::filesystem::path& path) {
         ShowHeader(path, *header, notes);
         return;
     }
-    const Document document = LoadDocument(path, &notes, Detail::Outline);
+    Document document = LoadDocument(path, &notes, Detail::Outline);
     Print(InputName(path) + ": " + std::to_string(document.width) + " x " +
           std::to_string(document.height) + " pixels, " + std::to_string(document.bitDepth) +
           " bits a channel\n");
@@ -151,8 +133,8 @@ void ShowFile(const std::filesystem::path& path) {
         Print(note + "\n");
     }
     std::vector<TextRow> rows{{"LAYER", "NAME", "PLACE", "KIND", "OPACITY", ""}};
-    for (size_t index = 0; index < document.items.size(); ++index) {
-        AddItem(rows, index, document.items[index]);
+    for (const LayerRow& row : RowsOf(document)) {
+        rows.push_back(TextOf(row));
     }
     Print(AlignColumns(rows));
 }

@@ -15,13 +15,6 @@ constexpr double kZoomStep = 1.25;
 constexpr int kCheckerCell = 8;
 constexpr int kKeyStep = 48;
 
-/// The system's colours have red in the lowest byte.
-uint32_t AroundColor() {
-    const COLORREF color = GetSysColor(COLOR_APPWORKSPACE);
-    return static_cast<uint32_t>(GetRValue(color)) << 16 |
-           static_cast<uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
-}
-
 bool IsDown(int key) {
     return GetKeyState(key) < 0;
 }
@@ -152,23 +145,13 @@ void CanvasWindow::OnWheel(WPARAM wParam, LPARAM lParam) {
 }
 
 bool CanvasWindow::OnKey(WPARAM key) {
-    const int step = Scaled(kKeyStep);
-    switch (key) {
-        case VK_LEFT:
-            MoveBy(step, 0);
-            return true;
-        case VK_RIGHT:
-            MoveBy(-step, 0);
-            return true;
-        case VK_UP:
-            MoveBy(0, step);
-            return true;
-        case VK_DOWN:
-            MoveBy(0, -step);
-            return true;
-        default:
-            return false;
+    const int across = (key == VK_LEFT ? 1 : 0) - (key == VK_RIGHT ? 1 : 0);
+    const int down = (key == VK_UP ? 1 : 0) - (key == VK_DOWN ? 1 : 0);
+    if (across == 0 && down == 0) {
+        return false;
     }
+    MoveBy(across * Scaled(kKeyStep), down * Scaled(kKeyStep));
+    return true;
 }
 
 void CanvasWindow::OnMouseMove(POINT point) {
@@ -190,7 +173,8 @@ void CanvasWindow::Paint() {
         const auto width = static_cast<int>(area.Width());
         const auto height = static_cast<int>(area.Height());
         std::vector<uint32_t> pixels(PixelCount(width, height));
-        RenderPicture(picture_, place_, area, Scaled(kCheckerCell), AroundColor(), pixels);
+        RenderPicture(picture_, place_, area, Scaled(kCheckerCell),
+                      Swapped(GetSysColor(COLOR_APPWORKSPACE)), pixels);
         BITMAPINFO info{};
         info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
         SetDIBitsToDevice(dc, dirty.left, dirty.top, static_cast<DWORD>(width),

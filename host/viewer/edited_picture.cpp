@@ -37,24 +37,6 @@ void Enlarge(std::vector<Item>& items, int32_t oldWidth, const Document& target)
     }
 }
 
-void AddRows(std::vector<Item>& items, int depth, host::LayerPosition& next,
-             std::vector<LayerRow>& rows) {
-    for (Item& item : items) {
-        if (depth == 0) {
-            next = {static_cast<int32_t>(&item - items.data()), -1};
-        }
-        auto* folder = std::get_if<Folder>(&item);
-        if (folder == nullptr) {
-            rows.push_back({&std::get<Layer>(item), next, depth, false});
-            next.layer += depth > 0 ? 1 : 0;
-            continue;
-        }
-        rows.push_back({folder, {next.item, -1}, depth, true});
-        next.layer = std::max(next.layer, 0);
-        AddRows(folder->items, depth + 1, next, rows);
-    }
-}
-
 }  // namespace
 
 Document LoadAsLayers(const std::vector<std::filesystem::path>& paths,
@@ -79,6 +61,12 @@ Document LoadAsLayers(const std::vector<std::filesystem::path>& paths,
     return all;
 }
 
+/// A step of the past can be taken without memory, so that none is lost for want of it.
+EditedPicture::EditedPicture() {
+    past_.reserve(kLongestPast);
+    future_.reserve(kLongestPast);
+}
+
 void EditedPicture::Open(Document document, std::filesystem::path path) {
     state_ = {std::move(document), ++lastRevision_};
     path_ = std::move(path);
@@ -86,7 +74,7 @@ void EditedPicture::Open(Document document, std::filesystem::path path) {
     past_.clear();
     future_.clear();
     current = {};
-    KeepCurrent();
+    acceptedLosses.clear();
 }
 
 void EditedPicture::Change(Document document) {
@@ -114,20 +102,10 @@ void EditedPicture::Step(std::vector<State>& from, std::vector<State>& to) {
     }
 }
 
-std::vector<LayerRow> EditedPicture::Rows() {
-    std::vector<LayerRow> rows;
-    host::LayerPosition next;
-    AddRows(state_.document.items, 0, next, rows);
-    return rows;
-}
-
 /// The current layer is one that there is.
 void EditedPicture::KeepCurrent() {
-    const std::vector<LayerRow> rows = Rows();
-    const bool isThere = std::ranges::any_of(rows, [this](const LayerRow& row) {
-        return row.position.item == current.item && row.position.layer == current.layer;
-    });
-    if (!isThere) {
+    const std::vector<host::LayerRow> rows = Rows();
+    if (std::ranges::find(rows, current, &host::LayerRow::position) == rows.end()) {
         current = {};
     }
 }

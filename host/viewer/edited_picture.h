@@ -1,20 +1,13 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "host/driver.h"
+#include "host/layer_rows.h"
 
 namespace imgbasic::viewer {
-
-/// A layer or folder as a list shows it.
-struct LayerRow {
-    host::LayerAttributes* member;  ///< the document's own
-    host::LayerPosition position;   ///< of a folder inside a folder, that of the outer one
-    int depth;                      ///< in how many folders it lies
-    bool isFolder;
-};
 
 /// Reads the files into one document, several as layers with the first on top, at the upper left
 /// of a picture that holds them all. What is shown otherwise than a file means it is told in
@@ -25,6 +18,8 @@ host::Document LoadAsLayers(const std::vector<std::filesystem::path>& paths,
 /// The document that is shown, with its past, its file and the layer that is current.
 class EditedPicture {
   public:
+    EditedPicture();
+
     bool IsEmpty() const { return state_.document.width == 0; }
     const host::Document& Content() const { return state_.document; }
     const std::filesystem::path& Path() const { return path_; }  ///< empty without a file
@@ -41,11 +36,12 @@ class EditedPicture {
     void Redo();
 
     /// All layers and folders, topmost first; valid until the document changes.
-    std::vector<LayerRow> Rows();
+    std::vector<host::LayerRow> Rows() { return host::RowsOf(state_.document); }
     /// After a row's attributes were changed in place.
     void Touch() { state_.revision = ++lastRevision_; }
 
     host::LayerPosition current{};
+    std::set<std::string> acceptedLosses{};  ///< what the user lets runs lose of the document
 
     /// Writes the format that the path's extension names, which becomes the document's file.
     /// Returns remarks. Throws FileError.

@@ -2,9 +2,11 @@
 
 #include <shobjidl.h>
 
+#include <algorithm>
 #include <array>
 
-#include "host/viewer/texts.h"
+#include "host/viewer/phrases.h"
+#include "host/viewer/window.h"
 #include "host/wic_library.h"
 
 namespace imgbasic::viewer {
@@ -15,6 +17,7 @@ using host::ComPtr;
 namespace {
 
 constexpr const wchar_t* kPicturePattern = L"*.png;*.jpg;*.jpeg;*.bmp;*.tif;*.tiff;*.ora";
+constexpr std::array<const wchar_t*, 2> kSavedTypes{L".png", L".ora"};
 
 template <typename Dialog>
 ComPtr<Dialog> MakeDialog(const CLSID& id, FILEOPENDIALOGOPTIONS further) {
@@ -54,7 +57,7 @@ std::filesystem::path ResultOf(IFileDialog& dialog) {
 
 std::vector<std::filesystem::path> AskForPictures(HWND owner) {
     const auto dialog = MakeDialog<IFileOpenDialog>(CLSID_FileOpenDialog, FOS_ALLOWMULTISELECT);
-    const COMDLG_FILTERSPEC pictures{TextOf(TextId::PictureFiles), kPicturePattern};
+    const COMDLG_FILTERSPEC pictures{phrases::kPictureFiles.Get(), kPicturePattern};
     Check(dialog->SetFileTypes(1, &pictures));
     std::vector<std::filesystem::path> paths;
     if (!Confirmed(*dialog.Get(), owner)) {
@@ -72,45 +75,53 @@ std::vector<std::filesystem::path> AskForPictures(HWND owner) {
     return paths;
 }
 
+bool CanBeSavedAs(const std::filesystem::path& path) {
+    return std::ranges::any_of(kSavedTypes, [&](const wchar_t* extension) {
+        return _wcsicmp(path.extension().c_str(), extension) == 0;
+    });
+}
+
 std::filesystem::path AskWhereToSave(HWND owner, const std::filesystem::path& proposed) {
     const auto dialog = MakeDialog<IFileSaveDialog>(CLSID_FileSaveDialog, FOS_OVERWRITEPROMPT);
-    const COMDLG_FILTERSPEC types[] = {{TextOf(TextId::PngFile), L"*.png"},
-                                       {TextOf(TextId::OpenRasterFile), L"*.ora"}};
-    constexpr std::array<const wchar_t*, 2> kExtensions{L".png", L".ora"};
+    const COMDLG_FILTERSPEC types[] = {{phrases::kPngFile.Get(), L"*.png"},
+                                       {phrases::kOpenRasterFile.Get(), L"*.ora"}};
+    const std::filesystem::path extension = proposed.extension();
     Check(dialog->SetFileTypes(2, types));
-    Check(dialog->SetFileTypeIndex(proposed.extension() == kExtensions[1] ? 2 : 1));
+    Check(dialog->SetFileTypeIndex(extension == kSavedTypes[1] ? 2 : 1));
+    ComPtr<IShellItem> folder;
+    if (SUCCEEDED(SHCreateItemFromParsingName(proposed.parent_path().c_str(), nullptr,
+                                              IID_PPV_ARGS(folder.GetAddressOf())))) {
+        Check(dialog->SetFolder(folder.Get()));
+    }
     Check(dialog->SetFileName(proposed.stem().c_str()));
-    Check(dialog->SetDefaultExtension(L"png"));
+    Check(dialog->SetDefaultExtension(extension.c_str() + 1));
     if (!Confirmed(*dialog.Get(), owner)) {
         return {};
     }
     std::filesystem::path path = ResultOf(*dialog.Get());
-    if (path.extension() != kExtensions[0] && path.extension() != kExtensions[1]) {
+    if (!CanBeSavedAs(path)) {
         UINT type = 1;
         Check(dialog->GetFileTypeIndex(&type));
-        path += kExtensions[type == 2 ? 1 : 0];
+        path += kSavedTypes[type - 1];
     }
     return path;
 }
 
 std::filesystem::path AskForFolder(HWND owner) {
     const auto dialog = MakeDialog<IFileOpenDialog>(CLSID_FileOpenDialog, FOS_PICKFOLDERS);
-    Check(dialog->SetTitle(TextOf(TextId::ChooseFolder)));
+    Check(dialog->SetTitle(phrases::kChooseFolder.Get()));
     return Confirmed(*dialog.Get(), owner) ? ResultOf(*dialog.Get()) : std::filesystem::path();
 }
 
 uint32_t AskForColor(HWND owner, uint32_t color) {
     static std::array<COLORREF, 16> custom{};
-    const auto swapped = [](uint32_t value) {
-        return (value & 0xFF) << 16 | (value & 0xFF00) | (value >> 16 & 0xFF);
-    };
     CHOOSECOLORW choice{};
     choice.lStructSize = sizeof choice;
     choice.hwndOwner = owner;
-    choice.rgbResult = swapped(color);
+    choice.rgbResult = Swapped(color);
     choice.lpCustColors = custom.data();
     choice.Flags = CC_FULLOPEN | CC_RGBINIT;
-    return ChooseColorW(&choice) != FALSE ? swapped(choice.rgbResult) : color;
+    return ChooseColorW(&choice) != FALSE ? Swapped(choice.rgbResult) : color;
 }
 
 std::vector<std::filesystem::path> DroppedFiles(HDROP drop) {

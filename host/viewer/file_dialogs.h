@@ -13,7 +13,11 @@ namespace imgbasic::viewer {
 
 std::vector<std::filesystem::path> AskForPictures(HWND owner);
 
-/// A path that ends in ".png" or ".ora". `proposed` is where the dialog begins.
+/// Whether the path ends in ".png" or ".ora".
+bool CanBeSavedAs(const std::filesystem::path& path);
+
+/// A path that ends in ".png" or ".ora". `proposed` is such a path, where
+/// the dialog begins.
 std::filesystem::path AskWhereToSave(HWND owner, const std::filesystem::path& proposed);
 
 std::filesystem::path AskForFolder(HWND owner);

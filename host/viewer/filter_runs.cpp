@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "host/openraster.h"
+#include "host/viewer/messages.h"
+
 namespace imgbasic::viewer {
 
 using host::RunOutcome;
@@ -25,7 +28,23 @@ RunOutcome FilterRuns::Repeat(EditedPicture& picture, HWND owner) {
                   picture);
 }
 
+/// Whether the user agrees to what the result could not keep; asks once for each such thing.
+bool FilterRuns::MayLose(const RunRequest& request, EditedPicture& picture) const {
+    const bool resizes = module_.isSizeChange(request.filter.c_str());
+    std::vector<std::string> losses = host::LossesOf(picture.Content(), resizes);
+    std::erase_if(losses,
+                  [&](const std::string& loss) { return picture.acceptedLosses.contains(loss); });
+    if (!losses.empty() && !AskToLose(request.ownerWindow, phrases::kRunLoses, losses)) {
+        return false;
+    }
+    picture.acceptedLosses.insert(losses.begin(), losses.end());
+    return true;
+}
+
 RunOutcome FilterRuns::Finish(RunRequest request, EditedPicture& picture) {
+    if (!MayLose(request, picture)) {
+        return {.status = RunStatus::Cancelled};
+    }
     request.current = picture.current;
     request.drawColor = drawColor;
     request.backColor = backColor;

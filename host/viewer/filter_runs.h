@@ -18,8 +18,9 @@ class FilterRuns {
     uint32_t drawColor = 0x000000;  ///< 0x00RRGGBB
     uint32_t backColor = 0xFFFFFF;  ///< 0x00RRGGBB
 
-    /// Lets the module ask for the options over `owner`, which sees every preview, and puts what
-    /// was confirmed into the picture. The outcome's document is the picture's then.
+    /// Lets the module ask for the options over `owner`, tells `preview` of every preview, and puts
+    /// what was confirmed into the picture. The outcome's document is the picture's then. What the
+    /// result could not keep, the user is asked about before.
     host::RunOutcome Run(const std::string& filter, EditedPicture& picture, HWND owner,
                          const Preview& preview);
 
@@ -31,6 +32,7 @@ class FilterRuns {
     double LastMilliseconds() const { return lastMilliseconds_; }
 
   private:
+    bool MayLose(const host::RunRequest& request, EditedPicture& picture) const;
     host::RunOutcome Finish(host::RunRequest request, EditedPicture& picture);
 
     const host::Module& module_;

@@ -4,18 +4,16 @@
 #include <string>
 #include <utility>
 
-#include "host/viewer/texts.h"
+#include "lib/base/wide_text.h"
 
 namespace imgbasic::viewer {
 namespace {
 
-constexpr int kListId = 1;
-constexpr int kSliderId = 2;
-constexpr int kFirstColorId = 3;
 constexpr int kMargin = 6;
 constexpr int kLineHeight = 20;
 constexpr int kSliderHeight = 30;
 constexpr int kButtonHeight = 28;
+constexpr int kSwatchWidth = 40;
 constexpr int kOpacityColumnWidth = 64;
 
 std::wstring PercentText(double percent) {
@@ -25,6 +23,15 @@ std::wstring PercentText(double percent) {
 /// The list counts its state images from 1, unchecked, on.
 bool IsChecked(UINT state) {
     return (state & LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2);
+}
+
+/// Its width comes with the layout.
+void AddColumn(HWND list, int index, const Phrase& title, int alignment) {
+    LVCOLUMNW column{};
+    column.mask = LVCF_TEXT | LVCF_FMT;
+    column.fmt = alignment;
+    column.pszText = const_cast<wchar_t*>(title.Get());
+    ListView_InsertColumn(list, index, &column);
 }
 
 }  // namespace
@@ -37,25 +44,16 @@ LayerPanel::LayerPanel(HWND parent, Events events) : events_(std::move(events)) 
     list_ = AddControl(
         Handle(), WC_LISTVIEWW, L"",
         WS_TABSTOP | WS_BORDER | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
-        kListId);
+        -1);
     ListView_SetExtendedListViewStyle(list_, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
-    int index = 0;
-    for (const TextId title : {TextId::LayerColumn, TextId::OpacityColumn}) {
-        LVCOLUMNW column{};
-        column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-        column.fmt = title == TextId::OpacityColumn ? LVCFMT_RIGHT : LVCFMT_LEFT;
-        column.cx = Scaled(kOpacityColumnWidth);
-        column.pszText = const_cast<wchar_t*>(TextOf(title));
-        ListView_InsertColumn(list_, index++, &column);
-    }
-    label_ = AddControl(Handle(), WC_STATICW, TextOf(TextId::Opacity), 0, -1);
-    slider_ =
-        AddControl(Handle(), TRACKBAR_CLASSW, L"", WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, kSliderId);
+    AddColumn(list_, 0, phrases::kLayerColumn, LVCFMT_LEFT);
+    AddColumn(list_, 1, phrases::kOpacityColumn, LVCFMT_RIGHT);
+    label_ = AddControl(Handle(), WC_STATICW, phrases::kOpacity.Get(), 0, -1);
+    slider_ = AddControl(Handle(), TRACKBAR_CLASSW, L"", WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, -1);
     SendMessageW(slider_, TBM_SETRANGE, TRUE, MAKELPARAM(0, 100));
-    for (size_t i = 0; i < colorButtons_.size(); ++i) {
-        colorButtons_[i] =
-            AddControl(Handle(), WC_BUTTONW, TextOf(i == 0 ? TextId::DrawColor : TextId::BackColor),
-                       WS_TABSTOP | BS_OWNERDRAW, kFirstColorId + static_cast<int>(i));
+    for (ColorRow& row : colors_) {
+        row.swatch = AddControl(Handle(), WC_STATICW, L"", WS_BORDER, -1);
+        row.button = AddControl(Handle(), WC_BUTTONW, row.name.Get(), WS_TABSTOP, row.command);
     }
     TakeFont();
 }
@@ -64,7 +62,7 @@ LayerPanel::~LayerPanel() {
     DeleteObject(font_);
 }
 
-void LayerPanel::Show(std::vector<LayerRow> rows, host::LayerPosition current) {
+void LayerPanel::Show(std::vector<host::LayerRow> rows, host::LayerPosition current) {
     filling_ = true;
     ListView_DeleteAllItems(list_);
     rows_ = std::move(rows);
@@ -74,9 +72,7 @@ void LayerPanel::Show(std::vector<LayerRow> rows, host::LayerPosition current) {
         item.iItem = static_cast<int>(i);
         ListView_InsertItem(list_, &item);
         ShowRow(i);
-        const host::LayerPosition& position = rows_[i].position;
-        if (position.item == current.item && position.layer == current.layer &&
-            (current.layer >= 0 || rows_[i].depth == 0)) {
+        if (rows_[i].position == current && (current.layer >= 0 || rows_[i].depth == 0)) {
             selected_ = i;
         }
     }
@@ -87,10 +83,10 @@ void LayerPanel::Show(std::vector<LayerRow> rows, host::LayerPosition current) {
 }
 
 void LayerPanel::ShowRow(size_t index) {
-    const LayerRow& row = rows_[index];
+    const host::LayerRow& row = rows_[index];
     const auto at = static_cast<int>(index);
-    std::wstring name(static_cast<size_t>(4 * row.depth), L' ');
-    name += (row.isFolder ? L"▾ " : L"") + Wide(row.member->name);
+    std::wstring name(4 * row.depth, L' ');
+    name += (row.layer == nullptr ? L"▾ " : L"") + WideFromUtf8(row.member->name);
     std::wstring percent = PercentText(row.member->opacity);
     ListView_SetItemText(list_, at, 0, name.data());
     ListView_SetItemText(list_, at, 1, percent.data());
@@ -98,12 +94,10 @@ void LayerPanel::ShowRow(size_t index) {
 }
 
 void LayerPanel::ShowColors(uint32_t draw, uint32_t back) {
-    const auto swapped = [](uint32_t color) {
-        return RGB(color >> 16 & 0xFF, color >> 8 & 0xFF, color & 0xFF);
-    };
-    colors_ = {swapped(draw), swapped(back)};
-    for (const HWND button : colorButtons_) {
-        InvalidateRect(button, nullptr, FALSE);
+    colors_[0].color = Swapped(draw);
+    colors_[1].color = Swapped(back);
+    for (const ColorRow& row : colors_) {
+        InvalidateRect(row.swatch, nullptr, TRUE);
     }
 }
 
@@ -127,16 +121,19 @@ LRESULT LayerPanel::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             OnSlider();
             return 0;
         case WM_COMMAND:
-            if (LOWORD(wParam) >= kFirstColorId && HIWORD(wParam) == BN_CLICKED) {
-                events_.colorWanted(LOWORD(wParam) - size_t{kFirstColorId});
+            return SendMessageW(GetParent(Handle()), message, wParam, 0);
+        case WM_CTLCOLORSTATIC:
+            for (const ColorRow& row : colors_) {
+                if (reinterpret_cast<HWND>(lParam) == row.swatch) {
+                    SetDCBrushColor(reinterpret_cast<HDC>(wParam), row.color);
+                    return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
+                }
             }
-            return 0;
-        case WM_DRAWITEM:
-            DrawColor(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-            return TRUE;
+            break;
         default:
-            return Window::OnMessage(message, wParam, lParam);
+            break;
     }
+    return Window::OnMessage(message, wParam, lParam);
 }
 
 void LayerPanel::OnItemChanged(const NMLISTVIEW& change) {
@@ -144,7 +141,7 @@ void LayerPanel::OnItemChanged(const NMLISTVIEW& change) {
     if (filling_ || change.iItem < 0 || index >= rows_.size()) {
         return;
     }
-    const LayerRow& row = rows_[index];
+    const host::LayerRow& row = rows_[index];
     if ((change.uNewState & LVIS_SELECTED) != 0 && index != selected_) {
         selected_ = index;
         ShowOpacity();
@@ -177,7 +174,7 @@ void LayerPanel::ShowOpacity() {
 
 void LayerPanel::TakeFont() {
     DeleteObject(std::exchange(font_, MessageFont(Handle())));
-    for (const HWND control : {list_, label_, slider_, colorButtons_[0], colorButtons_[1]}) {
+    for (const HWND control : {list_, label_, slider_, colors_[0].button, colors_[1].button}) {
         SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
     }
 }
@@ -186,44 +183,25 @@ void LayerPanel::Layout() {
     const SIZE client = ClientSize();
     const int margin = Scaled(kMargin);
     const int width = client.cx - 2 * margin;
-    int bottom = client.cy;
-    const auto place = [&](HWND control, int height) {
-        bottom -= Scaled(height) + margin;
-        MoveWindow(control, margin, bottom, width, Scaled(height), TRUE);
-    };
-    place(colorButtons_[1], kButtonHeight);
-    place(colorButtons_[0], kButtonHeight);
-    place(slider_, kSliderHeight);
-    place(label_, kLineHeight);
-    MoveWindow(list_, margin, margin, width, bottom - 2 * margin, TRUE);
+    const int swatchWidth = Scaled(kSwatchWidth);
+    const int buttonHeight = Scaled(kButtonHeight);
+    int top = client.cy;
+    for (size_t i = colors_.size(); i-- > 0;) {
+        top -= buttonHeight + margin;
+        MoveWindow(colors_[i].swatch, margin, top, swatchWidth, buttonHeight, TRUE);
+        MoveWindow(colors_[i].button, 2 * margin + swatchWidth, top, width - margin - swatchWidth,
+                   buttonHeight, TRUE);
+    }
+    top -= Scaled(kSliderHeight) + margin;
+    MoveWindow(slider_, margin, top, width, Scaled(kSliderHeight), TRUE);
+    top -= Scaled(kLineHeight);
+    MoveWindow(label_, margin, top, width, Scaled(kLineHeight), TRUE);
+    MoveWindow(list_, margin, margin, width, top - 2 * margin, TRUE);
     const int opacityWidth = Scaled(kOpacityColumnWidth);
     ListView_SetColumnWidth(list_, 1, opacityWidth);
     ListView_SetColumnWidth(
         list_, 0,
         width - opacityWidth - GetSystemMetricsForDpi(SM_CXVSCROLL, GetDpiForWindow(Handle())));
-}
-
-/// A button that shows a colour beside its text.
-void LayerPanel::DrawColor(const DRAWITEMSTRUCT& item) const {
-    wchar_t text[64];
-    GetWindowTextW(item.hwndItem, text, static_cast<int>(std::size(text)));
-    const size_t which = item.CtlID - size_t{kFirstColorId};
-    RECT area = item.rcItem;
-    const bool isPressed = (item.itemState & ODS_SELECTED) != 0;
-    DrawFrameControl(item.hDC, &area, DFC_BUTTON, DFCS_BUTTONPUSH | (isPressed ? DFCS_PUSHED : 0U));
-    InflateRect(&area, -Scaled(kMargin), -Scaled(kMargin));
-    RECT swatch = area;
-    swatch.right = swatch.left + 2 * (swatch.bottom - swatch.top);
-    SetDCBrushColor(item.hDC, colors_[which]);
-    FillRect(item.hDC, &swatch, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-    FrameRect(item.hDC, &swatch, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-    area.left = swatch.right + Scaled(kMargin);
-    SetBkMode(item.hDC, TRANSPARENT);
-    const UINT hide = (item.itemState & ODS_NOACCEL) != 0 ? DT_HIDEPREFIX : 0U;
-    DrawTextW(item.hDC, text, -1, &area, DT_SINGLELINE | DT_VCENTER | hide);
-    if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
-        DrawFocusRect(item.hDC, &area);
-    }
 }
 
 }  // namespace imgbasic::viewer

@@ -6,15 +6,19 @@
 #include <exception>
 
 #include "host/viewer/main_window.h"
-#include "host/viewer/texts.h"
+#include "host/viewer/messages.h"
 
 namespace imgbasic::viewer {
 namespace {
 
+/// Their whole paths: the system's dialogs change the current folder.
 std::vector<std::filesystem::path> NamedFiles() {
     int count = 0;
     wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::filesystem::path> files(words + 1, words + count);
+    for (std::filesystem::path& file : files) {
+        file = std::filesystem::absolute(file);
+    }
     LocalFree(static_cast<HLOCAL>(words));
     return files;
 }
@@ -32,20 +36,15 @@ void Run() {
 
 int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, wchar_t* /*line*/,
                     int /*show*/) {
-    using imgbasic::viewer::TextId;
-    using imgbasic::viewer::TextOf;
+    namespace viewer = imgbasic::viewer;
     InitCommonControls();
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     int status = 1;
     try {
-        imgbasic::viewer::Run();
+        viewer::Run();
         status = 0;
-    } catch (const std::bad_alloc&) {
-        MessageBoxW(nullptr, TextOf(TextId::NoMemory), TextOf(TextId::AppName), MB_ICONERROR);
-    } catch (const std::exception& fault) {
-        const std::wstring text =
-            TextOf(TextId::CannotStart) + (L"\n\n" + imgbasic::viewer::Wide(fault.what()));
-        MessageBoxW(nullptr, text.c_str(), TextOf(TextId::AppName), MB_ICONERROR);
+    } catch (const std::exception&) {
+        viewer::ShowBox(nullptr, viewer::phrases::kCannotStart, viewer::FaultText(), MB_ICONERROR);
     }
     if (SUCCEEDED(com)) {
         CoUninitialize();

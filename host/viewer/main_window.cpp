@@ -6,11 +6,12 @@
 
 #include "host/flatten.h"
 #include "host/image_file.h"
-#include "host/viewer/batch_window.h"
+#include "host/openraster.h"
+#include "host/viewer/batch.h"
 #include "host/viewer/file_dialogs.h"
 #include "host/viewer/menu.h"
 #include "host/viewer/messages.h"
-#include "host/viewer/texts.h"
+#include "lib/base/wide_text.h"
 
 namespace imgbasic::viewer {
 namespace {
@@ -18,25 +19,29 @@ namespace {
 constexpr SIZE kSize{960, 680};
 constexpr int kPanelWidth = 260;
 
+std::wstring About() {
+    return L"" IMGBASIC_VERSION "\n\n" + std::wstring(phrases::kAboutText.Get());
+}
+
 }  // namespace
 
 MainWindow::MainWindow(const host::Module& module)
-    : module_(module), runs_(module), accelerators_(MakeAccelerators()) {
+    : module_(module), runs_(module), actions_(MakeActions()), accelerators_(MakeAccelerators()) {
     Create({.className = L"imgbasic viewer",
-            .title = TextOf(TextId::AppName),
+            .title = phrases::kAppName.Get(),
             .style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
             .exStyle = WS_EX_ACCEPTFILES,
             .menu = MakeMenu(module)});
     canvas_ = std::make_unique<CanvasWindow>(Handle(), [this] { ShowTitle(); });
     panel_ = std::make_unique<LayerPanel>(
-        Handle(), LayerPanel::Events{
-                      .selected = [this](const LayerRow& row) { picture_.current = row.position; },
-                      .changed =
-                          [this](const LayerRow&) {
-                              picture_.Touch();
-                              Show(picture_.Content());
-                          },
-                      .colorWanted = [this](size_t which) { ChooseColor(which); }});
+        Handle(),
+        LayerPanel::Events{
+            .selected = [this](const host::LayerRow& row) { picture_.current = row.position; },
+            .changed =
+                [this](const host::LayerRow&) {
+                    picture_.Touch();
+                    Show(picture_.Content());
+                }});
     panel_->ShowColors(runs_.drawColor, runs_.backColor);
     SetWindowPos(Handle(), nullptr, 0, 0, Scaled(kSize.cx), Scaled(kSize.cy),
                  SWP_NOMOVE | SWP_NOZORDER);
@@ -75,23 +80,23 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_MOUSEWHEEL:  // from whichever control has the focus
             return canvas_ ? SendMessageW(canvas_->Handle(), message, wParam, lParam) : 0;
         case WM_INITMENUPOPUP:
-            EnableCommands(GetMenu(Handle()), {.isOpen = !picture_.IsEmpty(),
-                                               .canUndo = picture_.CanUndo(),
-                                               .canRedo = picture_.CanRedo(),
-                                               .canRepeat = !runs_.LastFilter().empty()});
+            if (HIWORD(lParam) == FALSE) {  // not the system's menu
+                EnableCommands(reinterpret_cast<HMENU>(wParam),
+                               [this](int command) { return CanDo(command); });
+            }
             return 0;
         case WM_COMMAND:
             OnCommand(LOWORD(wParam));
             return 0;
         case WM_DROPFILES:
-            if (const auto files = DroppedFiles(reinterpret_cast<HDROP>(wParam)); !isRunning_) {
+            if (const auto files = DroppedFiles(reinterpret_cast<HDROP>(wParam)); !IsBusy()) {
                 Open(files);
             }
             return 0;
         case WM_QUERYENDSESSION:
-            return !isRunning_ && MayLeave() ? TRUE : FALSE;
+            return !IsBusy() && MayLeave() ? TRUE : FALSE;
         case WM_CLOSE:
-            if (!isRunning_ && MayLeave()) {
+            if (!IsBusy() && MayLeave()) {
                 DestroyWindow(Handle());
             }
             return 0;
@@ -100,66 +105,56 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     }
 }
 
+std::map<int, std::function<void()>> MainWindow::MakeActions() {
+    const auto showAfter = [this](void (EditedPicture::*step)()) {
+        (picture_.*step)();
+        ShowAll();
+    };
+    return {
+        {kOpen, [this] { Open(AskForPictures(Handle())); }},
+        {kSave, [this] { Save(); }},
+        {kSaveAs, [this] { SaveAs(); }},
+        {kQuit, [this] { SendMessageW(Handle(), WM_CLOSE, 0, 0); }},
+        {kUndo, [=] { showAfter(&EditedPicture::Undo); }},
+        {kRedo, [=] { showAfter(&EditedPicture::Redo); }},
+        {kDrawColor, [this] { Choose(runs_.drawColor); }},
+        {kBackColor, [this] { Choose(runs_.backColor); }},
+        {kZoomIn, [this] { canvas_->StepZoom(true); }},
+        {kZoomOut, [this] { canvas_->StepZoom(false); }},
+        {kFit, [this] { canvas_->Fit(); }},
+        {kActualSize, [this] { canvas_->ShowActualSize(); }},
+        {kRepeat, [this] { Finish(runs_.Repeat(picture_, Handle())); }},
+        {kAbout, [this] { ShowBox(Handle(), phrases::kAppName, About(), MB_OK); }},
+    };
+}
+
+bool MainWindow::CanDo(int command) const {
+    const bool isOpen = !picture_.IsEmpty();
+    switch (command) {
+        case kSave:
+        case kSaveAs:
+            return isOpen;
+        case kUndo:
+            return picture_.CanUndo();
+        case kRedo:
+            return picture_.CanRedo();
+        case kRepeat:
+            return isOpen && !runs_.LastFilter().empty();
+        default:
+            return isOpen || command < kFirstFilter || command >= kFirstBatch;
+    }
+}
+
 void MainWindow::OnCommand(int command) {
-    if (isRunning_) {
+    if (IsBusy() || !CanDo(command)) {
         return;
     }
     if (command >= kFirstBatch) {
         AskForBatch(FilterAt(command - kFirstBatch));
-        return;
-    }
-    const bool isEmpty = picture_.IsEmpty();
-    if (command >= kFirstFilter) {
-        if (!isEmpty) {
-            RunFilter(FilterAt(command - kFirstFilter));
-        }
-        return;
-    }
-    switch (command) {
-        case kOpen:
-            Open(AskForPictures(Handle()));
-            break;
-        case kSave:
-            Save();
-            break;
-        case kSaveAs:
-            SaveAs();
-            break;
-        case kQuit:
-            SendMessageW(Handle(), WM_CLOSE, 0, 0);
-            break;
-        case kUndo:
-            picture_.Undo();
-            ShowAll();
-            break;
-        case kRedo:
-            picture_.Redo();
-            ShowAll();
-            break;
-        case kDrawColor:
-        case kBackColor:
-            ChooseColor(command == kDrawColor ? 0 : 1);
-            break;
-        case kZoomIn:
-        case kZoomOut:
-            canvas_->StepZoom(command == kZoomIn);
-            break;
-        case kFit:
-            canvas_->Fit();
-            break;
-        case kActualSize:
-            canvas_->ShowActualSize();
-            break;
-        case kRepeat:
-            if (!isEmpty && !runs_.LastFilter().empty()) {
-                Finish(runs_.Repeat(picture_, Handle()));
-            }
-            break;
-        case kAbout:
-            MessageBoxW(Handle(), TextOf(TextId::AboutText), TextOf(TextId::AppName), MB_OK);
-            break;
-        default:
-            break;
+    } else if (command >= kFirstFilter) {
+        RunFilter(FilterAt(command - kFirstFilter));
+    } else if (const auto action = actions_.find(command); action != actions_.end()) {
+        action->second();
     }
 }
 
@@ -171,36 +166,44 @@ void MainWindow::Open(const std::vector<std::filesystem::path>& paths) {
     try {
         picture_.Open(LoadAsLayers(paths, notes),
                       paths.size() == 1 ? paths.front() : std::filesystem::path());
-    } catch (const host::FileError& fault) {
-        Say(Handle(), TextId::CannotOpen, fault.what(), MB_ICONERROR);
+    } catch (const std::exception&) {
+        ShowBox(Handle(), phrases::kCannotOpen, FaultText(), MB_ICONERROR);
         return;
     }
     ShowAll();
-    SayNotes(Handle(), notes);
+    std::ranges::move(host::LossesOf(picture_.Content(), false), std::back_inserter(notes));
+    ShowNotes(Handle(), notes);
 }
 
 bool MainWindow::Save() {
-    const auto extension = picture_.Path().extension();
-    return extension == ".png" || extension == ".ora" ? SaveTo(picture_.Path()) : SaveAs();
+    return CanBeSavedAs(picture_.Path()) ? SaveTo(picture_.Path()) : SaveAs();
 }
 
 bool MainWindow::SaveAs() {
-    if (picture_.IsEmpty()) {
-        return true;
-    }
-    const std::filesystem::path path = AskWhereToSave(Handle(), FileName());
+    std::filesystem::path path = picture_.Path().parent_path() / FileName();
+    path = AskWhereToSave(Handle(), path.replace_extension(NeedsLayers() ? ".ora" : ".png"));
     return !path.empty() && SaveTo(path);
 }
 
 bool MainWindow::SaveTo(const std::filesystem::path& path) {
+    const host::Document& document = picture_.Content();
     try {
-        SayNotes(Handle(), picture_.Save(path));
-    } catch (const host::FileError& fault) {
-        Say(Handle(), TextId::CannotSave, fault.what(), MB_ICONERROR);
+        if (NeedsLayers() && !host::KeepsLayers(path.extension().string()) &&
+            !AskToLose(Handle(), phrases::kPngLoses, host::LossesOf(document, false))) {
+            return false;
+        }
+        ShowNotes(Handle(), picture_.Save(path));
+    } catch (const std::exception&) {
+        ShowBox(Handle(), phrases::kCannotSave, FaultText(), MB_ICONERROR);
         return false;
     }
     ShowTitle();
     return true;
+}
+
+/// Whether only OpenRaster keeps all of the picture.
+bool MainWindow::NeedsLayers() const {
+    return picture_.Content().source || host::WholePicture(picture_.Content()) == nullptr;
 }
 
 /// Whether the picture may go: it is saved, or the user gives the changes up.
@@ -208,25 +211,22 @@ bool MainWindow::MayLeave() {
     if (!picture_.HasChanged()) {
         return true;
     }
-    const int answer = AskToSave(Handle(), FileName());
+    const int answer =
+        ShowBox(Handle(), phrases::kSaveChanges, FileName(), MB_YESNOCANCEL | MB_ICONQUESTION);
     return answer == IDNO || (answer == IDYES && Save());
 }
 
 void MainWindow::RunFilter(const std::string& filter) {
-    isRunning_ = true;
-    const host::RunOutcome outcome =
-        runs_.Run(filter, picture_, Handle(), [this](const host::Document& document) {
-            Show(document);
-            UpdateWindow(canvas_->Handle());
-        });
-    isRunning_ = false;
-    Finish(outcome);
+    Finish(runs_.Run(filter, picture_, Handle(), [this](const host::Document& document) {
+        Show(document);
+        UpdateWindow(canvas_->Handle());
+    }));
 }
 
 void MainWindow::Finish(const host::RunOutcome& outcome) {
     ShowAll();
     if (outcome.status == host::RunStatus::Failed) {
-        Say(Handle(), TextId::CannotRun, outcome.fault, MB_ICONWARNING);
+        ShowBox(Handle(), phrases::kCannotRun, WideFromUtf8(outcome.fault), MB_ICONWARNING);
     }
 }
 
@@ -237,20 +237,11 @@ void MainWindow::AskForBatch(const std::string& filter) {
     }
     const std::filesystem::path folder = AskForFolder(Handle());
     if (!folder.empty()) {
-        RunBatchOver(filter, inputs, folder);
+        RunBatch(module_, Handle(), {filter, inputs, folder, runs_.drawColor, runs_.backColor});
     }
 }
 
-void MainWindow::RunBatchOver(const std::string& filter,
-                              const std::vector<std::filesystem::path>& inputs,
-                              const std::filesystem::path& folder) {
-    isRunning_ = true;
-    ShowBatch(module_, Handle(), {filter, inputs, folder, runs_.drawColor, runs_.backColor});
-    isRunning_ = false;
-}
-
-void MainWindow::ChooseColor(size_t which) {
-    uint32_t& color = which == 0 ? runs_.drawColor : runs_.backColor;
+void MainWindow::Choose(uint32_t& color) {
     color = AskForColor(Handle(), color);
     panel_->ShowColors(runs_.drawColor, runs_.backColor);
 }
@@ -261,8 +252,8 @@ void MainWindow::Show(const host::Document& document) {
 }
 
 void MainWindow::ShowAll() {
+    panel_->Show(picture_.Rows(), picture_.current);  // first, as its old rows may be gone
     Show(picture_.Content());
-    panel_->Show(picture_.Rows(), picture_.current);
 }
 
 void MainWindow::ShowTitle() {
@@ -278,7 +269,7 @@ void MainWindow::ShowTitle() {
         std::swprintf(time, std::size(time), L" %.1f ms – ", runs_.LastMilliseconds());
         title += DisplayName(module_, runs_.LastFilter()) + time;
     }
-    SetWindowTextW(Handle(), (title + TextOf(TextId::AppName)).c_str());
+    SetWindowTextW(Handle(), (title + phrases::kAppName.Get()).c_str());
 }
 
 void MainWindow::Layout() {
@@ -292,7 +283,7 @@ void MainWindow::Layout() {
 }
 
 std::wstring MainWindow::FileName() const {
-    return picture_.Path().empty() ? TextOf(TextId::Untitled)
+    return picture_.Path().empty() ? phrases::kUntitled.Get()
                                    : picture_.Path().filename().wstring();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,11 +23,9 @@ class MainWindow : public Window {
 
     /// Opens the files in place of what was open, unless the user wants to keep that.
     void Open(const std::vector<std::filesystem::path>& paths);
-    /// Saves the picture; false when that failed, which the user has been told.
+    /// Saves the picture; false when that failed, which the user has been told, or when the user
+    /// would rather keep what it would lose.
     bool SaveTo(const std::filesystem::path& path);
-    /// Runs a filter over files into a folder.
-    void RunBatchOver(const std::string& filter, const std::vector<std::filesystem::path>& inputs,
-                      const std::filesystem::path& folder);
 
     const EditedPicture& Picture() const { return picture_; }
     CanvasWindow& Canvas() { return *canvas_; }
@@ -39,14 +39,18 @@ class MainWindow : public Window {
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:
+    std::map<int, std::function<void()>> MakeActions();
+    bool IsBusy() const { return IsWindowEnabled(Handle()) == FALSE; }
+    bool CanDo(int command) const;
     void OnCommand(int command);
     bool Save();
     bool SaveAs();
+    bool NeedsLayers() const;
     bool MayLeave();
     void RunFilter(const std::string& filter);
     void Finish(const host::RunOutcome& outcome);
     void AskForBatch(const std::string& filter);
-    void ChooseColor(size_t which);
+    void Choose(uint32_t& color);
     void Show(const host::Document& document);
     void ShowAll();
     void ShowTitle();
@@ -56,7 +60,7 @@ class MainWindow : public Window {
     const host::Module& module_;
     EditedPicture picture_;
     FilterRuns runs_;
-    bool isRunning_ = false;  ///< the module may have its dialog open
+    const std::map<int, std::function<void()>> actions_;  ///< of the commands without a filter
     HACCEL accelerators_;
     std::unique_ptr<CanvasWindow> canvas_;
     std::unique_ptr<LayerPanel> panel_;

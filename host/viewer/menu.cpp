@@ -3,7 +3,7 @@
 #include <iterator>
 #include <span>
 
-#include "host/viewer/texts.h"
+#include "host/viewer/phrases.h"
 #include "lib/base/wide_text.h"
 #include "plugin/imgbasic/filters.h"
 
@@ -13,30 +13,30 @@ namespace {
 /// A menu's entry; a line where the command is 0.
 struct Entry {
     int command = 0;
-    TextId text{};
+    Phrase text{};
     const wchar_t* keyText = L"";
 };
 
 constexpr Entry kFileEntries[] = {
-    {kOpen, TextId::Open, L"Ctrl+O"},           {kSave, TextId::Save, L"Ctrl+S"},
-    {kSaveAs, TextId::SaveAs, L"Ctrl+Shift+S"}, {},
-    {kQuit, TextId::Quit, L"Alt+F4"},
+    {kOpen, phrases::kOpen, L"Ctrl+O"},           {kSave, phrases::kSave, L"Ctrl+S"},
+    {kSaveAs, phrases::kSaveAs, L"Ctrl+Shift+S"}, {},
+    {kQuit, phrases::kQuit, L"Alt+F4"},
 };
 
 constexpr Entry kEditEntries[] = {
-    {kUndo, TextId::Undo, L"Ctrl+Z"}, {kRedo, TextId::Redo, L"Ctrl+Y"}, {},
-    {kDrawColor, TextId::DrawColor},  {kBackColor, TextId::BackColor},
+    {kUndo, phrases::kUndo, L"Ctrl+Z"}, {kRedo, phrases::kRedo, L"Ctrl+Y"}, {},
+    {kDrawColor, phrases::kDrawColor},  {kBackColor, phrases::kBackColor},
 };
 
 constexpr Entry kViewEntries[] = {
-    {kZoomIn, TextId::ZoomIn, L"+"},
-    {kZoomOut, TextId::ZoomOut, L"-"},
-    {kFit, TextId::Fit, L"Ctrl+0"},
-    {kActualSize, TextId::ActualSize, L"Ctrl+1"},
+    {kZoomIn, phrases::kZoomIn, L"+"},
+    {kZoomOut, phrases::kZoomOut, L"-"},
+    {kFit, phrases::kFit, L"Ctrl+0"},
+    {kActualSize, phrases::kActualSize, L"Ctrl+1"},
 };
 
-constexpr Entry kRepeatEntries[] = {{kRepeat, TextId::Repeat, L"Ctrl+F"}, {}};
-constexpr Entry kHelpEntries[] = {{kAbout, TextId::About}};
+constexpr Entry kRepeatEntries[] = {{kRepeat, phrases::kRepeat, L"Ctrl+F"}, {}};
+constexpr Entry kHelpEntries[] = {{kAbout, phrases::kAbout}};
 
 constexpr ACCEL kKeys[] = {
     {FVIRTKEY | FCONTROL, 'O', kOpen},
@@ -64,7 +64,7 @@ HMENU MakePopup(std::span<const Entry> entries) {
             AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
             continue;
         }
-        std::wstring text = TextOf(entry.text);
+        std::wstring text = entry.text.Get();
         if (*entry.keyText != L'\0') {
             text.append(L"\t").append(entry.keyText);
         }
@@ -73,8 +73,8 @@ HMENU MakePopup(std::span<const Entry> entries) {
     return menu;
 }
 
-void Add(HMENU bar, TextId title, HMENU popup) {
-    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), TextOf(title));
+void Add(HMENU bar, const Phrase& title, HMENU popup) {
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), title.Get());
 }
 
 }  // namespace
@@ -94,28 +94,20 @@ HMENU MakeMenu(const host::Module& module) {
         }
     }
     const HMENU bar = CreateMenu();
-    Add(bar, TextId::FileMenu, MakePopup(kFileEntries));
-    Add(bar, TextId::EditMenu, MakePopup(kEditEntries));
-    Add(bar, TextId::ViewMenu, MakePopup(kViewEntries));
-    Add(bar, TextId::FilterMenu, filters);
-    Add(bar, TextId::BatchMenu, batch);
-    Add(bar, TextId::HelpMenu, MakePopup(kHelpEntries));
+    Add(bar, phrases::kFileMenu, MakePopup(kFileEntries));
+    Add(bar, phrases::kEditMenu, MakePopup(kEditEntries));
+    Add(bar, phrases::kViewMenu, MakePopup(kViewEntries));
+    Add(bar, phrases::kFilterMenu, filters);
+    Add(bar, phrases::kBatchMenu, batch);
+    Add(bar, phrases::kHelpMenu, MakePopup(kHelpEntries));
     return bar;
 }
 
-void EnableCommands(HMENU menu, const CommandState& state) {
-    const auto enable = [menu](int command, bool can) {
-        EnableMenuItem(menu, static_cast<UINT>(command), can ? MF_ENABLED : MF_GRAYED);
-    };
-    for (int command = kFirstFilter; GetMenuState(menu, static_cast<UINT>(command), 0) != ~0U;
-         ++command) {
-        enable(command, state.isOpen);
+void EnableCommands(HMENU popup, const std::function<bool(int command)>& canDo) {
+    for (int i = 0; i < GetMenuItemCount(popup); ++i) {
+        const bool can = canDo(static_cast<int>(GetMenuItemID(popup, i)));
+        EnableMenuItem(popup, static_cast<UINT>(i), MF_BYPOSITION | (can ? MF_ENABLED : MF_GRAYED));
     }
-    enable(kSave, state.isOpen);
-    enable(kSaveAs, state.isOpen);
-    enable(kUndo, state.canUndo);
-    enable(kRedo, state.canRedo);
-    enable(kRepeat, state.isOpen && state.canRepeat);
 }
 
 HACCEL MakeAccelerators() {
@@ -128,7 +120,7 @@ std::string FilterAt(int index) {
 
 std::wstring DisplayName(const host::Module& module, const std::string& filter) {
     const char* const name = module.getName(filter.c_str());
-    return name != nullptr ? WideFromShiftJis(name) : Wide(filter);
+    return name != nullptr ? WideFromShiftJis(name) : WideFromUtf8(filter);
 }
 
 }  // namespace imgbasic::viewer

@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
-#include <vector>
 
 #include "host/module.h"
 
@@ -31,16 +31,8 @@ enum Command : int {
 /// The main menu; the filters are called what the module calls them.
 HMENU MakeMenu(const host::Module& module);
 
-/// What the commands can do now.
-struct CommandState {
-    bool isOpen;
-    bool canUndo;
-    bool canRedo;
-    bool canRepeat;
-};
-
-/// Greys out what cannot be done.
-void EnableCommands(HMENU menu, const CommandState& state);
+/// Greys out what cannot be done of a menu that is about to open.
+void EnableCommands(HMENU popup, const std::function<bool(int command)>& canDo);
 
 /// The keys of the commands; the caller destroys it.
 HACCEL MakeAccelerators();

@@ -1,29 +1,44 @@
 #include "host/viewer/messages.h"
 
-#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "lib/base/wide_text.h"
 
 namespace imgbasic::viewer {
 
-void Say(HWND owner, TextId headline, const std::string& detail, UINT icon) {
-    const std::wstring text = TextOf(headline) + (L"\n\n" + Wide(detail));
-    MessageBoxW(owner, text.c_str(), TextOf(TextId::AppName), icon);
+int ShowBox(HWND owner, const Phrase& headline, const std::wstring& detail, UINT style) {
+    const std::wstring text = headline.Get() + (L"\n\n" + detail);
+    return MessageBoxW(owner, text.c_str(), phrases::kAppName.Get(), style);
 }
 
-void SayNotes(HWND owner, const std::vector<std::string>& notes) {
-    std::string all;
-    for (const std::string& note : notes) {
-        all += note + "\n";
+std::wstring Lines(const std::vector<std::string>& sentences) {
+    std::wstring lines;
+    for (const std::string& sentence : sentences) {
+        lines += WideFromUtf8(sentence) + L"\r\n";
     }
-    if (!all.empty()) {
-        Say(owner, TextId::Remarks, all, MB_ICONINFORMATION);
+    return lines;
+}
+
+void ShowNotes(HWND owner, const std::vector<std::string>& notes) {
+    if (!notes.empty()) {
+        ShowBox(owner, phrases::kRemarks, Lines(notes), MB_ICONINFORMATION);
     }
 }
 
-int AskToSave(HWND owner, const std::wstring& file) {
-    wchar_t question[512];
-    std::swprintf(question, std::size(question), TextOf(TextId::SaveChanges),
-                  file.substr(0, MAX_PATH).c_str());
-    return MessageBoxW(owner, question, TextOf(TextId::AppName), MB_YESNOCANCEL | MB_ICONQUESTION);
+bool AskToLose(HWND owner, const Phrase& question, const std::vector<std::string>& losses) {
+    return ShowBox(owner, question, Lines(losses), MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) ==
+           IDYES;
+}
+
+std::wstring FaultText() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return phrases::kNoMemory.Get();
+    } catch (const std::exception& fault) {
+        return WideFromUtf8(fault.what());
+    }
 }
 
 }  // namespace imgbasic::viewer

@@ -5,17 +5,23 @@
 #include <string>
 #include <vector>
 
-#include "host/viewer/texts.h"
+#include "host/viewer/phrases.h"
 
 namespace imgbasic::viewer {
 
-/// A message box: a headline, and below it what the shared code says (UTF-8).
-void Say(HWND owner, TextId headline, const std::string& detail, UINT icon);
+/// A message box with a headline and what belongs to it; the button that was pressed.
+int ShowBox(HWND owner, const Phrase& headline, const std::wstring& detail, UINT style);
 
-/// The same for remarks on what went well; nothing when there are none.
-void SayNotes(HWND owner, const std::vector<std::string>& notes);
+/// Sentences of the shared code (UTF-8), one a line.
+std::wstring Lines(const std::vector<std::string>& sentences);
 
-/// Asks whether the changes to a file are to be saved: IDYES, IDNO or IDCANCEL.
-int AskToSave(HWND owner, const std::wstring& file);
+/// Shows remarks on what went well, if there are any.
+void ShowNotes(HWND owner, const std::vector<std::string>& notes);
+
+/// Asks whether to go on although that loses something; `losses` names it, one phrase each.
+bool AskToLose(HWND owner, const Phrase& question, const std::vector<std::string>& losses);
+
+/// What the exception says that is being handled.
+std::wstring FaultText();
 
 }  // namespace imgbasic::viewer

@@ -1,17 +1,20 @@
 #pragma once
 
-#include <string>
+#include <windows.h>
 
-#include "host/viewer/window.h"
+#include <string>
 
 namespace imgbasic::viewer {
 
 /// Tells how far a long work on the same thread has come, lets the user stop it, and in the end
 /// shows a report until it is closed. Its owner takes no input meanwhile.
-class ProgressWindow : public Window {
+class ProgressWindow {
   public:
+    /// Throws std::runtime_error when the system refuses.
     explicit ProgressWindow(HWND owner);
-    ~ProgressWindow() override;
+    ~ProgressWindow();
+    ProgressWindow(const ProgressWindow&) = delete;
+    ProgressWindow& operator=(const ProgressWindow&) = delete;
 
     /// Shows `text` and `done` of `total`, and handles what the user has done; false when the work
     /// is to stop.
@@ -20,19 +23,12 @@ class ProgressWindow : public Window {
     /// Shows the report, a headline and lines, until the user closes it.
     void Report(const std::wstring& headline, const std::wstring& lines);
 
-  protected:
-    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-
   private:
-    void Layout();
+    static INT_PTR CALLBACK Procedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam);
     void Dispatch(MSG& message);
 
     HWND owner_;
-    HFONT font_ = nullptr;
-    HWND text_ = nullptr;
-    HWND bar_ = nullptr;
-    HWND lines_ = nullptr;
-    HWND button_ = nullptr;
+    HWND handle_;
     bool stopped_ = false;
 };
 

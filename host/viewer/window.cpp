@@ -1,10 +1,9 @@
 #include "host/viewer/window.h"
 
 #include <cstdint>
-#include <new>
 #include <stdexcept>
 
-#include "host/viewer/texts.h"
+#include "host/viewer/messages.h"
 
 namespace imgbasic::viewer {
 
@@ -31,9 +30,7 @@ void Window::Create(const WindowForm& form) {
     CreateWindowExW(form.exStyle, form.className, form.title, form.style, CW_USEDEFAULT,
                     CW_USEDEFAULT, form.size.cx, form.size.cy, form.parent, form.menu,
                     windowClass.hInstance, this);
-    if (handle_ == nullptr) {
-        throw std::runtime_error("the system gives no window; close other programs");
-    }
+    RequireWindow(handle_);
 }
 
 LRESULT Window::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -63,12 +60,16 @@ LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wParam, LPA
     }
     try {
         return window->OnMessage(message, wParam, lParam);
-    } catch (const std::bad_alloc&) {
-        MessageBoxW(handle, TextOf(TextId::NoMemory), TextOf(TextId::AppName), MB_ICONERROR);
-    } catch (const std::exception& fault) {
-        MessageBoxW(handle, Wide(fault.what()).c_str(), TextOf(TextId::AppName), MB_ICONERROR);
+    } catch (const std::exception&) {
+        ShowBox(handle, phrases::kCannotDo, FaultText(), MB_ICONERROR);
     }
     return 0;
+}
+
+void RequireWindow(HWND created) {
+    if (created == nullptr) {
+        throw std::runtime_error("the system gives no window; close other programs");
+    }
 }
 
 HFONT MessageFont(HWND window) {

@@ -42,6 +42,14 @@ class Window {
     HWND handle_ = nullptr;
 };
 
+/// Throws std::runtime_error for none, which is what the system's functions give when they fail.
+void RequireWindow(HWND created);
+
+/// The system's number for a colour 0x00RRGGBB, and the other way round.
+constexpr COLORREF Swapped(COLORREF color) {
+    return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF);
+}
+
 /// The system's font for windows at the scale of `window`; the caller deletes it.
 HFONT MessageFont(HWND window);
 

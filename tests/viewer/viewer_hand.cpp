@@ -10,12 +10,13 @@ namespace {
 
 constexpr auto kPause = std::chrono::milliseconds(10);
 constexpr int kMostPauses = 1000;
+constexpr const wchar_t* kDialogClass = L"#32770";
 constexpr int kTextId = 0xFFFF;  // of a message box
 
 /// A visible message box of a process; null when there is none.
 HWND BoxOf(DWORD process) {
     HWND box = nullptr;
-    while ((box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr) {
+    while ((box = FindWindowExW(nullptr, box, kDialogClass, nullptr)) != nullptr) {
         DWORD owner = 0;
         GetWindowThreadProcessId(box, &owner);
         if (owner == process && IsWindowVisible(box) != FALSE) {
@@ -51,9 +52,9 @@ std::vector<std::wstring> WithBoxesAnswered(const std::function<void()>& work, i
     return texts;
 }
 
-HWND WaitForWindow(const wchar_t* className) {
+HWND WaitForDialog(const wchar_t* caption) {
     for (int i = 0; i < kMostPauses; ++i) {
-        if (const HWND window = FindWindowW(className, nullptr)) {
+        if (const HWND window = FindWindowW(kDialogClass, caption)) {
             return window;
         }
         std::this_thread::sleep_for(kPause);

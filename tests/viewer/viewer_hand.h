@@ -13,8 +13,8 @@ namespace imgbasic::viewer {
 std::vector<std::wstring> WithBoxesAnswered(const std::function<void()>& work, int button,
                                             DWORD process = GetCurrentProcessId());
 
-/// Waits for a window of this class; null after some seconds.
-HWND WaitForWindow(const wchar_t* className);
+/// Waits for a dialog with this caption; null after some seconds.
+HWND WaitForDialog(const wchar_t* caption);
 
 /// The text of a control of whatever thread.
 std::wstring TextIn(HWND control);

@@ -1,8 +1,11 @@
 #include <windows.h>
 
+#include <shlobj.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -10,8 +13,10 @@
 #include "host/flatten.h"
 #include "host/image_file.h"
 #include "host/sample_depth.h"
+#include "host/viewer/batch.h"
 #include "host/viewer/main_window.h"
 #include "host/viewer/menu.h"
+#include "host/viewer/phrases.h"
 #include "host/wic_library.h"
 #include "plugin/imgbasic/filters.h"
 #include "tests/plugin/private_store.h"
@@ -131,6 +136,16 @@ class Viewer : public testing::Test {
         return outcome.document;
     }
 
+    /// A file with a layer that is composed in a way that only its own program knows.
+    fs::path SaveStrangeFile() {
+        Document document = PaintedDocument();
+        auto& top = std::get<host::Layer>(document.items[0]);
+        top.kind = host::CompositionKind::Other;
+        top.otherKind = "x:strange";
+        host::SaveDocument(document, folder_ / "strange.ora", {});
+        return folder_ / "strange.ora";
+    }
+
     /// The canvas shows what the document flattens to, in the middle at actual size.
     void ExpectOnCanvas(const Document& document) {
         const std::vector<RGBA16> flat = host::Flatten(document);
@@ -244,7 +259,7 @@ TEST_F(Viewer, ShowsAndSavesOfEveryFilterWhatTheDriverGives) {
         UpdateWindow(window_->Canvas().Handle());
         ExpectOnCanvas(expected);
         for (const char* const name : {"saved.png", "saved.ora"}) {
-            ASSERT_TRUE(window_->SaveTo(folder_ / name));
+            WithBoxesAnswered([&] { EXPECT_TRUE(window_->SaveTo(folder_ / name)); }, IDYES);
             EXPECT_EQ(host::Flatten(host::LoadDocument(folder_ / name)), host::Flatten(expected));
         }
         ExpectSame(host::LoadDocument(folder_ / "saved.ora"), expected);
@@ -316,6 +331,18 @@ TEST_F(Viewer, WorksTheLayerList) {
     EXPECT_TRUE(window_->Picture().HasChanged());
 }
 
+TEST_F(Viewer, TakesThePlaceThatAnotherScaleGivesIt) {
+    RECT given{30, 40, 830, 640};
+    SendMessageW(window_->Handle(), WM_DPICHANGED, MAKEWPARAM(144, 144),
+                 reinterpret_cast<LPARAM>(&given));
+    RECT taken{};
+    GetWindowRect(window_->Handle(), &taken);
+    EXPECT_TRUE(EqualRect(&taken, &given));
+    Do(kActualSize);
+    UpdateWindow(window_->Canvas().Handle());
+    ExpectOnCanvas(Shown());
+}
+
 TEST_F(Viewer, RunsABatchInWhichABadFileCostsThatFile) {
     Document picture = PaintedDocument();
     host::SaveDocument(picture, folder_ / "flat.png", {});
@@ -325,15 +352,17 @@ TEST_F(Viewer, RunsABatchInWhichABadFileCostsThatFile) {
     WithHand(
         L"2階調化",
         [&] {
-            window_->RunBatchOver(
-                "mono", {folder_ / L"絵.ora", folder_ / "broken.png", folder_ / "flat.png"},
-                folder_ / "out");
+            RunBatch(module_, window_->Handle(),
+                     {"mono",
+                      {folder_ / L"絵.ora", folder_ / "broken.png", SaveStrangeFile(),
+                       folder_ / "flat.png"},
+                      folder_ / "out"});
             return true;
         },
         [&](const DialogHand& hand) {
             hand.Slide(1300, 90);
             hand.Click(IDOK);
-            const HWND progress = WaitForWindow(L"imgbasic progress");
+            const HWND progress = WaitForDialog(phrases::kAppName.Get());
             const HWND lines = FindWindowExW(progress, nullptr, L"Edit", nullptr);
             while ((report = TextIn(lines)).empty()) {
                 Sleep(10);
@@ -341,7 +370,8 @@ TEST_F(Viewer, RunsABatchInWhichABadFileCostsThatFile) {
             PostMessageW(progress, WM_CLOSE, 0, 0);
         });
     EXPECT_THAT(report, HasSubstr(L"broken.png"));
-    EXPECT_FALSE(fs::exists(folder_ / "out" / "broken.png"));
+    EXPECT_THAT(report, HasSubstr(L"strange.ora"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_ / "out"), {}), 2);
     for (const wchar_t* const name : {L"flat.png", L"絵.ora"}) {
         const Document source = host::LoadDocument(folder_ / name);
         ExpectSame(host::LoadDocument(folder_ / "out" / name),
@@ -353,6 +383,10 @@ TEST_F(Viewer, LosesNothingWhenRefusedOrClosed) {
     const Document source = Shown();
     const auto refusals = WithBoxesAnswered([&] { DoFilter("chan_merge"); }, IDOK);
     EXPECT_EQ(refusals.size(), 2U) << "the module's message and the viewer's";
+    module_.getPhase = [](const char*) -> int { throw std::bad_alloc(); };
+    EXPECT_THAT(WithBoxesAnswered([&] { DoFilter("chan_decomp"); }, IDOK),
+                ElementsAre(HasSubstr(L"not enough memory")));
+    module_.getPhase = realGetPhase;
     ExpectSame(Shown(), source);
     EXPECT_FALSE(window_->Picture().CanUndo());
     DoFilter("chan_decomp");
@@ -360,13 +394,30 @@ TEST_F(Viewer, LosesNothingWhenRefusedOrClosed) {
     EXPECT_EQ(WithBoxesAnswered(close, IDCANCEL).size(), 1U);
     ASSERT_TRUE(IsWindow(window_->Handle()));
     const auto fault =
-        WithBoxesAnswered([&] { window_->SaveTo(folder_ / "nowhere" / "x.png"); }, IDOK);
+        WithBoxesAnswered([&] { window_->SaveTo(folder_ / "nowhere" / "x.ora"); }, IDOK);
     ASSERT_EQ(fault.size(), 1U);
     EXPECT_THAT(fault[0], HasSubstr(L"there is no folder"));
     EXPECT_TRUE(window_->Picture().HasChanged());
     Do(kUndo);
     EXPECT_TRUE(WithBoxesAnswered(close, IDCANCEL).empty());
     EXPECT_FALSE(IsWindow(window_->Handle()));
+}
+
+TEST_F(Viewer, AsksBeforeItLosesSomething) {
+    const fs::path strange = SaveStrangeFile();
+    const auto open = [&] { Open(strange); };
+    EXPECT_EQ(WithBoxesAnswered(open, IDOK).size(), 1U);
+    const auto run = [&] { DoFilter("chan_decomp"); };
+    EXPECT_THAT(WithBoxesAnswered(run, IDNO), ElementsAre(HasSubstr(L"x:strange")));
+    EXPECT_FALSE(window_->Picture().CanUndo());
+    EXPECT_EQ(WithBoxesAnswered(run, IDYES).size(), 1U);
+    EXPECT_TRUE(window_->Picture().CanUndo());
+    Do(kUndo);
+    EXPECT_TRUE(WithBoxesAnswered(run, IDNO).empty()) << "once agreed to";
+    const auto save = [&] { EXPECT_FALSE(window_->SaveTo(folder_ / "merged.png")); };
+    EXPECT_EQ(WithBoxesAnswered(save, IDNO).size(), 1U);
+    EXPECT_FALSE(fs::exists(folder_ / "merged.png"));
+    EXPECT_TRUE(window_->Picture().HasChanged());
 }
 
 /// Encodes a picture of 2 x 1 pixels, red and blue, by the system.
@@ -394,6 +445,24 @@ std::string Encoded(const GUID& container) {
     return bytes;
 }
 
+/// Drops files on a window as the system does.
+void Drop(HWND window, const std::vector<fs::path>& paths) {
+    std::wstring names;
+    for (const fs::path& path : paths) {
+        names += path.wstring() + L'\0';
+    }
+    DROPFILES head{};
+    head.pFiles = sizeof head;
+    head.fWide = TRUE;
+    const size_t bytes = (names.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE, sizeof head + bytes);
+    auto* const memory = static_cast<std::byte*>(GlobalLock(drop));
+    std::memcpy(memory, &head, sizeof head);
+    std::memcpy(memory + sizeof head, names.c_str(), bytes);
+    GlobalUnlock(drop);
+    SendMessageW(window, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+}
+
 TEST_F(Viewer, OpensTheFormatsOfTheSystemUprightAndSeveralAsLayers) {
     const auto write = [&](const char* name, const std::string& bytes) {
         std::ofstream(folder_ / name, std::ios::binary) << bytes;
@@ -417,7 +486,7 @@ TEST_F(Viewer, OpensTheFormatsOfTheSystemUprightAndSeveralAsLayers) {
     Open(turned);
     EXPECT_EQ(Shown().width, 1);
     EXPECT_EQ(Shown().height, 2);
-    window_->Open({turned, bmp, folder_ / L"絵.ora"});
+    Drop(window_->Handle(), {turned, bmp, folder_ / L"絵.ora"});
     EXPECT_EQ(host::CountLayers(Shown().items), 5U);
     EXPECT_EQ(Shown().width, 60);
     EXPECT_TRUE(window_->Picture().Path().empty());
