@@ -47,7 +47,8 @@ struct Side {
 
     void Add(int64_t sample, double sampleWeight, int32_t boundary, const ResampleAxis& axis) {
         const Resolved resolved = Resolve(sample, boundary, axis);
-        index.push_back(resolved.used ? static_cast<int32_t>(resolved.index) : 0);
+        index.push_back(
+            static_cast<int32_t>(std::clamp<int64_t>(resolved.index, 0, axis.sourceLimit - 1)));
         weight.push_back(resolved.used ? sampleWeight : 0);
         inside.push_back(resolved.inside ? sampleWeight : 0);
     }
@@ -77,6 +78,21 @@ Samples FindSamples(const ResampleAxis& axis, int32_t boundary) {
         samples.high.Add(ToIndex(high), fraction, boundary, axis);
     }
     return samples;
+}
+
+/// Where the runs of columns end in which the indices of both sides ascend: at the end, and where
+/// a repeated clip rectangle begins anew.
+std::vector<size_t> FindEndsOfAscent(const Samples& columns) {
+    const std::vector<int32_t>& low = columns.low.index;
+    const std::vector<int32_t>& high = columns.high.index;
+    std::vector<size_t> ends;
+    for (size_t i = 1; i < low.size(); ++i) {
+        if (low[i] < low[i - 1] || high[i] < high[i - 1]) {
+            ends.push_back(i);
+        }
+    }
+    ends.push_back(low.size());
+    return ends;
 }
 
 }  // namespace
@@ -111,6 +127,7 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
         return;
     }
     const Samples columns = FindSamples(resampling->columns, boundary);
+    const std::vector<size_t> ends = FindEndsOfAscent(columns);
     const Samples rows = FindSamples(resampling->rows, boundary);
     const size_t columnCount = resampling->columns.Count();
     const size_t rowCount = resampling->rows.Count();
@@ -127,7 +144,11 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
                               needsInside,
                               needsInside && fadeAlpha,
                               StoreFor(columnCount * rowCount)};
-        kForms.Active()(row, 0, columnCount);
+        size_t begin = 0;
+        for (const size_t end : ends) {
+            kForms.Active()(row, begin, end);
+            begin = end;
+        }
     }
 }
 

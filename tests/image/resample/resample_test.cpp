@@ -79,6 +79,36 @@ TEST_P(Resample, DrawsLargeResultsAsTheScalarFormAtAnyAddress) {
     }
 }
 
+/// Of whole multiples, whose rows and columns are weighted alike, opaque but for some pixels.
+TEST_P(Resample, DrawsRegularRatiosAsTheScalarForm) {
+    constexpr int32_t kWidth = 75;
+    constexpr int32_t kHeight = 20;
+    for (const int32_t ratio : {2, 3, 4}) {
+        Picture picture = MakePicture(ratio * kWidth, ratio * kHeight, Kind::Opaque);
+        picture.pixels[picture.pixels.size() / 2].a = 0x1234;
+        picture.pixels[picture.pixels.size() / 3].a = 0;
+        const Image large(std::move(picture));
+        const Image small(MakePicture(kWidth, kHeight, Kind::Opaque));
+        for (const auto& [source, result] :
+             {std::pair{&large, &small}, std::pair{&small, &large}}) {
+            for (const Kernel kernel : kKernels) {
+                Image drawn(result->width, result->height, RGBA16{});
+                Image expected = drawn;
+                // A column on the left and a row at the bottom take no part.
+                const PixelRect clip{1, 0, source->width, source->height - 1};
+                const auto draw = [&](Image& image) {
+                    Draw(kernel, BoundaryRepeat, true, image.Target(image.Whole()),
+                         source->Source(source->Whole()), clip);
+                };
+                draw(drawn);
+                const ScopedSimdLevel scalar(SimdLevel::Scalar);
+                draw(expected);
+                EXPECT_EQ(drawn.pixels, expected.pixels) << ratio << ", kernel " << kernel;
+            }
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Forms, Resample, kForms, FormName);
 
 struct OneLane {
