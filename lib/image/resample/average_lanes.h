@@ -62,7 +62,7 @@ template <typename Lanes, int kStride, bool kWithArea>
         }
         const auto add = [&](auto pixels, auto share) {
             missing = Lanes::Union(missing, Lanes::NotOpaque(pixels));
-            sums.sum.AddShare(pixels, share);
+            sums.sum.AddShare(pixels, typename WeightedSumLanes<Lanes>::Share(share));
         };
         if (tap->weight == 1) {
             const double* const shares = row.opaqueShares;

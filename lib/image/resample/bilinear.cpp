@@ -95,6 +95,41 @@ std::vector<size_t> FindEndsOfAscent(const Samples& columns) {
     return ends;
 }
 
+/// BilinearRow::doubled; empty when no columns are.
+std::vector<uint8_t> FindDoubled(const Samples& columns, const std::vector<double>& coverage) {
+    const Side& low = columns.low;
+    const Side& high = columns.high;
+    const auto isDoubled = [&](size_t i) {
+        const bool isLeftFar = low.weight[i] == kFarWeight && high.weight[i] == kNearWeight;
+        const bool isRightFar = low.weight[i] == kNearWeight && high.weight[i] == kFarWeight;
+        return (isLeftFar || isRightFar) && high.index[i] == low.index[i] + 1 &&
+               low.inside[i] == low.weight[i] && high.inside[i] == high.weight[i] &&
+               coverage[i] == 1;
+    };
+    const auto follows = [&](size_t i) {
+        const int32_t step = low.weight[i - 1] == kFarWeight ? 1 : 0;
+        return low.weight[i] == high.weight[i - 1] && low.index[i] == low.index[i - 1] + step;
+    };
+    std::vector<uint8_t> doubled(coverage.size());
+    size_t length = 0;
+    bool any = false;
+    for (size_t i = 0; i < coverage.size(); ++i) {
+        length = !isDoubled(i) ? 0 : length > 0 && follows(i) ? length + 1 : 1;
+        if (length >= kDoubledColumns) {
+            doubled[i + 1 - kDoubledColumns] = 1;
+            any = true;
+        }
+    }
+    return any ? doubled : std::vector<uint8_t>();
+}
+
+/// Whether all columns of the row that are covered in full and inside the clip rectangle are drawn
+/// without fading.
+bool IsPlain(const BilinearRow& row) {
+    return row.upper.inside == row.upper.weight && row.lower.inside == row.lower.weight &&
+           row.upper.inside + row.lower.inside > kFullInside;
+}
+
 }  // namespace
 
 void BilinearRowScalar(const BilinearRow& row, size_t begin, size_t end) {
@@ -128,22 +163,25 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
     }
     const Samples columns = FindSamples(resampling->columns, boundary);
     const std::vector<size_t> ends = FindEndsOfAscent(columns);
+    const std::vector<uint8_t> doubled = FindDoubled(columns, resampling->columns.coverage);
     const Samples rows = FindSamples(resampling->rows, boundary);
     const size_t columnCount = resampling->columns.Count();
     const size_t rowCount = resampling->rows.Count();
     const bool needsInside = boundary != BoundaryClip;
     for (size_t j = 0; j < rowCount; ++j) {
-        const BilinearRow row{resampling->TargetRow(destination, j),
-                              rows.low.Row(j, source),
-                              rows.high.Row(j, source),
-                              columns.low.Columns(),
-                              columns.high.Columns(),
-                              resampling->columns.coverage.data(),
-                              resampling->rows.coverage[j],
-                              source.width,
-                              needsInside,
-                              needsInside && fadeAlpha,
-                              StoreFor(columnCount * rowCount)};
+        BilinearRow row{resampling->TargetRow(destination, j),
+                        rows.low.Row(j, source),
+                        rows.high.Row(j, source),
+                        columns.low.Columns(),
+                        columns.high.Columns(),
+                        nullptr,
+                        resampling->columns.coverage.data(),
+                        resampling->rows.coverage[j],
+                        source.width,
+                        needsInside,
+                        needsInside && fadeAlpha,
+                        StoreFor(columnCount * rowCount)};
+        row.doubled = IsPlain(row) && !doubled.empty() ? doubled.data() : nullptr;
         size_t begin = 0;
         for (const size_t end : ends) {
             kForms.Active()(row, begin, end);

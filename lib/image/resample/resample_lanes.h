@@ -47,10 +47,10 @@ static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
     const auto lower = Lanes::Set(row.lower.weight);
     WeightedSumLanes<Lanes> sum;
     if (AreOpaque<Lanes>(upperLeft, upperRight, lowerLeft, lowerRight)) {
-        sum.AddShare(upperLeft, OpaqueShare<Lanes>(left * upper));
-        sum.AddShare(upperRight, OpaqueShare<Lanes>(right * upper));
-        sum.AddShare(lowerLeft, OpaqueShare<Lanes>(left * lower));
-        sum.AddShare(lowerRight, OpaqueShare<Lanes>(right * lower));
+        sum.AddOpaque(upperLeft, left * upper);
+        sum.AddOpaque(upperRight, right * upper);
+        sum.AddOpaque(lowerLeft, left * lower);
+        sum.AddOpaque(lowerRight, right * lower);
     } else {
         sum.Add(upperLeft, left * upper);
         sum.Add(upperRight, right * upper);

@@ -46,18 +46,39 @@ class WeightedSumLanes {
   public:
     using Doubles = typename Lanes::Doubles;
 
+    /// A part of the alpha sum, and the same as Part needs it beside.
+    struct Share {
+        Doubles share;
+        Doubles raised;
+
+        explicit Share(Doubles value) : share(value), raised(value * Lanes::Set(kRaise)) {}
+    };
+
     void Add(typename Lanes::Pixels pixels, Doubles weights) {
         const Doubles alpha = Lanes::RaisedAlpha(pixels) - Lanes::Set(kRaise);
-        AddShare(pixels, RaisedOverFullScale<Lanes>(alpha * weights));
+        AddShare(pixels, Share(RaisedOverFullScale<Lanes>(alpha * weights)));
+    }
+
+    /// Add of opaque pixels.
+    void AddOpaque(typename Lanes::Pixels pixels, Doubles weights) {
+        AddShare(pixels, Share(OpaqueShare<Lanes>(weights)));
     }
 
     /// Adds pixels whose part of the alpha sum is known: for opaque ones, OpaqueShare.
-    void AddShare(typename Lanes::Pixels pixels, Doubles share) {
-        const Doubles raisedShare = share * Lanes::Set(kRaise);
-        r_ += Part(Lanes::template RaisedColor<0>(pixels), share, raisedShare);
-        g_ += Part(Lanes::template RaisedColor<1>(pixels), share, raisedShare);
-        b_ += Part(Lanes::template RaisedColor<2>(pixels), share, raisedShare);
-        a_ += share;
+    void AddShare(typename Lanes::Pixels pixels, const Share& share) {
+        r_ += Part<0>(pixels, share);
+        g_ += Part<1>(pixels, share);
+        b_ += Part<2>(pixels, share);
+        a_ += share.share;
+    }
+
+    /// What pixels add to the sum of a colour channel. Inside a multiply-add,
+    /// (2^52 + x) * share - 2^52 * share is exact: the product x * share is rounded once, as it is
+    /// without the detour.
+    template <int kChannel>
+    static Doubles Part(typename Lanes::Pixels pixels, const Share& share) {
+        return RaisedOverFullScale<Lanes>(Lanes::MultiplySubtract(
+            Lanes::template RaisedColor<kChannel>(pixels), share.share, share.raised));
     }
 
     typename Lanes::Mask IsVisible() const { return Lanes::Greater(a_, Lanes::Set(0)); }
@@ -88,12 +109,6 @@ class WeightedSumLanes {
     Doubles g_ = Lanes::Set(0);
     Doubles b_ = Lanes::Set(0);
     Doubles a_ = Lanes::Set(0);
-
-    /// Inside a multiply-add, (2^52 + x) * share - 2^52 * share is exact: the product x * share is
-    /// rounded once, as it is without the detour.
-    static Doubles Part(Doubles raisedColor, Doubles share, Doubles raisedShare) {
-        return RaisedOverFullScale<Lanes>(Lanes::MultiplySubtract(raisedColor, share, raisedShare));
-    }
 };
 
 }  // namespace imgbasic

@@ -91,6 +91,19 @@ struct Avx2Lanes {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pixels));
     }
 
+    struct Two {
+        Pixels low;
+        Pixels high;
+    };
+
+    /// a0 b0 a1 b1 ..., in two vectors.
+    static Two Interleave(Pixels a, Pixels b) {
+        const Pixels even = _mm256_unpacklo_epi64(a, b);  // a0 b0 a2 b2
+        const Pixels odd = _mm256_unpackhi_epi64(a, b);   // a1 b1 a3 b3
+        return {_mm256_permute2x128_si256(even, odd, 0x20),
+                _mm256_permute2x128_si256(even, odd, 0x31)};
+    }
+
     /// Every second or every third pixel; all of the four times as many are read.
     ///
     ///      pixels     | 0 | 1 | 2 | 3 |   | 4 | 5 | 6 | 7 |   | 8 | 9 | 10 | 11 |

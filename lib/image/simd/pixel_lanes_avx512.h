@@ -88,6 +88,18 @@ struct Avx512Lanes {
 
     static Pixels Load(const RGBA16* pixels) { return _mm512_loadu_si512(pixels); }
 
+    struct Two {
+        Pixels low;
+        Pixels high;
+    };
+
+    /// a0 b0 a1 b1 ..., in two vectors.
+    static Two Interleave(Pixels a, Pixels b) {
+        const Pixels low = _mm512_setr_epi64(0, 8, 1, 9, 2, 10, 3, 11);
+        const Pixels high = _mm512_add_epi64(low, _mm512_set1_epi64(4));
+        return {_mm512_permutex2var_epi64(a, low, b), _mm512_permutex2var_epi64(a, high, b)};
+    }
+
     /// Every second or every third pixel; all of the eight times as many are read.
     template <int kStride>
     static Pixels LoadEvery(const RGBA16* pixels) {
