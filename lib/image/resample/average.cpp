@@ -66,7 +66,10 @@ int32_t FindStride(const AverageColumns& columns, size_t i, int32_t taps, int32_
         sourceWidth - index[0] < taps - 1 + stride * static_cast<int32_t>(kRunColumns)) {
         return 0;
     }
-    // The other taps follow the first, since none of them is at the end of the row.
+    // The other taps follow the first where none of them is cut off at an end of the row.
+    if (index[static_cast<size_t>(taps - 1) * columns.count] != index[0] + taps - 1) {
+        return 0;
+    }
     for (size_t n = 2; n < kRunColumns; ++n) {
         if (index[n] - index[n - 1] != stride) {
             return 0;

@@ -25,8 +25,8 @@ struct AverageColumnRun {
 /// has weights 0 in the rest, which add nothing; so has, in `pixelWeights`, a tap whose pixel does
 /// not take part. All indices are inside the row and ascend from column to column.
 ///
-/// Where the stride of a run is s, its pixels are indices[i] + k + s * (0, 1, ... 7), and all
-/// pixels from there to the next that would follow these are inside the row.
+/// Where the stride of the run at i is s, its pixels are indices[i] + k + s * (0, 1, ... 7), and
+/// the s * 8 pixels from the first of them on are inside the row.
 ///
 /// What only the weights decide is the same in all rows of the same weights: a form may keep for
 /// them, column by column, what the colour sums of opaque pixels are scaled by (0: nothing is kept)
@@ -42,7 +42,7 @@ struct AverageRow {
     const double* pixelWeights;
     const double* opaqueShares;  ///< what opaque pixels add to an alpha sum in a row of weight 1
     const AverageColumnRun* runs;
-    double* opaqueScales;  ///< see below; null in a row whose weights are not those before it
+    double* opaqueScales;  ///< null in a row weighted otherwise than the one before it
     double* opaqueAlphas;
     const double* coverage;
     double rowCoverage;

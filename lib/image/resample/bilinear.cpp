@@ -123,11 +123,10 @@ std::vector<uint8_t> FindDoubled(const Samples& columns, const std::vector<doubl
     return any ? doubled : std::vector<uint8_t>();
 }
 
-/// Whether all columns of the row that are covered in full and inside the clip rectangle are drawn
-/// without fading.
-bool IsPlain(const BilinearRow& row) {
-    return row.upper.inside == row.upper.weight && row.lower.inside == row.lower.weight &&
-           row.upper.inside + row.lower.inside > kFullInside;
+/// Whether columns covered in full and inside the clip rectangle are drawn without fading.
+bool ArePlain(const BilinearSourceRow& upper, const BilinearSourceRow& lower) {
+    return upper.inside == upper.weight && lower.inside == lower.weight &&
+           upper.inside + lower.inside > kFullInside;
 }
 
 }  // namespace
@@ -169,19 +168,21 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
     const size_t rowCount = resampling->rows.Count();
     const bool needsInside = boundary != BoundaryClip;
     for (size_t j = 0; j < rowCount; ++j) {
-        BilinearRow row{resampling->TargetRow(destination, j),
-                        rows.low.Row(j, source),
-                        rows.high.Row(j, source),
-                        columns.low.Columns(),
-                        columns.high.Columns(),
-                        nullptr,
-                        resampling->columns.coverage.data(),
-                        resampling->rows.coverage[j],
-                        source.width,
-                        needsInside,
-                        needsInside && fadeAlpha,
-                        StoreFor(columnCount * rowCount)};
-        row.doubled = IsPlain(row) && !doubled.empty() ? doubled.data() : nullptr;
+        const BilinearSourceRow upper = rows.low.Row(j, source);
+        const BilinearSourceRow lower = rows.high.Row(j, source);
+        const bool showsDoubled = !doubled.empty() && ArePlain(upper, lower);
+        const BilinearRow row{resampling->TargetRow(destination, j),
+                              upper,
+                              lower,
+                              columns.low.Columns(),
+                              columns.high.Columns(),
+                              showsDoubled ? doubled.data() : nullptr,
+                              resampling->columns.coverage.data(),
+                              resampling->rows.coverage[j],
+                              source.width,
+                              needsInside,
+                              needsInside && fadeAlpha,
+                              StoreFor(columnCount * rowCount)};
         size_t begin = 0;
         for (const size_t end : ends) {
             kForms.Active()(row, begin, end);
