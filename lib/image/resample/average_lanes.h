@@ -16,8 +16,7 @@ struct AverageSums {
 /// Calls `add(pixels, entry)` for the taps that the columns from `i` on have in one source row.
 /// kStride is that of their run.
 template <typename Lanes, int kStride>
-[[gnu::always_inline]] static inline void ForEachTap(const AverageRow& row, const RGBA16* source,
-                                                     size_t i, auto&& add) {
+static inline void ForEachTap(const AverageRow& row, const RGBA16* source, size_t i, auto&& add) {
     const size_t columns = row.columns;
     const size_t end = static_cast<size_t>(row.runs[i].taps) * columns;
     if constexpr (kStride == 0) {
@@ -37,8 +36,8 @@ template <typename Lanes, int kStride>
 
 /// Adds the area under the columns from `i` on in a source row of the given weight.
 template <typename Lanes>
-[[gnu::always_inline]] static inline void AddArea(typename Lanes::Doubles& area,
-                                                  const AverageRow& row, double weight, size_t i) {
+static inline void AddArea(typename Lanes::Doubles& area, const AverageRow& row, double weight,
+                           size_t i) {
     const double* const weights = row.areaWeights;
     const size_t columns = row.columns;
     const size_t end = static_cast<size_t>(row.runs[i].taps) * columns;
@@ -49,8 +48,7 @@ template <typename Lanes>
 
 /// Adds up as if all pixels were opaque; false when they are not. kWithArea: also the area.
 template <typename Lanes, int kStride, bool kWithArea>
-[[gnu::always_inline]] static inline bool SumOpaque(AverageSums<Lanes>& sums, const AverageRow& row,
-                                                    size_t i) {
+static inline bool SumOpaque(AverageSums<Lanes>& sums, const AverageRow& row, size_t i) {
     auto missing = typename Lanes::Pixels{};
     const AverageTap* const end = row.rows + row.rowCount;
     for (const AverageTap* tap = row.rows; tap != end; ++tap) {
@@ -82,8 +80,7 @@ template <typename Lanes, int kStride, bool kWithArea>
 
 /// Adds up pixels of any alpha, and the area.
 template <typename Lanes, int kStride>
-[[gnu::always_inline]] static inline void SumTranslucent(AverageSums<Lanes>& sums,
-                                                         const AverageRow& row, size_t i) {
+static inline void SumTranslucent(AverageSums<Lanes>& sums, const AverageRow& row, size_t i) {
     const AverageTap* const end = row.rows + row.rowCount;
     for (const AverageTap* tap = row.rows; tap != end; ++tap) {
         AddArea<Lanes>(sums.area, row, tap->weight, i);
@@ -104,8 +101,7 @@ template <typename Lanes, int kStride>
 /// Draws what the mean of opaque pixels needs no more than their colours for, as the weights are
 /// those of an earlier row; false when the pixels or the row are otherwise.
 template <typename Lanes, int kStride>
-[[gnu::always_inline]] static inline bool DrawKnownOpaque(const AverageRow& row, size_t i,
-                                                          bool streaming) {
+static inline bool DrawKnownOpaque(const AverageRow& row, size_t i, bool streaming) {
     if (row.opaqueScales == nullptr) {
         return false;
     }
@@ -121,8 +117,7 @@ template <typename Lanes, int kStride>
 }
 
 template <typename Lanes, int kStride>
-[[gnu::always_inline]] static inline void DrawAverage(const AverageRow& row, size_t i,
-                                                      bool streaming) {
+static inline void DrawAverage(const AverageRow& row, size_t i, bool streaming) {
     // Most vectors are opaque or not from their first pixel on; for others the sum begins anew.
     const bool isPromising = row.rowCount > 0 && row.runs[i].taps > 0 &&
                              row.rows[0].pixels != nullptr &&

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <initializer_list>
-
 #include "lib/image/resample/resample_lanes.h"
 
 // Interpolation of doubled columns, see bilinear_forms.h. Two neighbours share the pixel between
@@ -36,11 +34,15 @@ struct DoubledRow : BilinearRow {
         Doubles scale;
         Doubles alpha;
 
-        Column(double rowCoverage, std::initializer_list<Share> shares) {
+        /// The shares are those of a column's left and right pixels.
+        Column(double rowCoverage, const Share& upperLeft, const Share& upperRight,
+               const Share& lowerLeft, const Share& lowerRight) {
+            const typename Lanes::Pixels pixels{};
             WeightedSumLanes<Lanes> sum;
-            for (const Share& share : shares) {
-                sum.AddShare(typename Lanes::Pixels{}, share);
-            }
+            sum.AddShare(pixels, upperLeft);
+            sum.AddShare(pixels, upperRight);
+            sum.AddShare(pixels, lowerLeft);
+            sum.AddShare(pixels, lowerRight);
             scale = sum.Scale();
             alpha = sum.Alpha(Lanes::Set(rowCoverage));
         }
@@ -55,15 +57,15 @@ struct DoubledRow : BilinearRow {
         : BilinearRow(row),
           inUpper(row.upper.weight),
           inLower(row.lower.weight),
-          leftFar(rowCoverage, {inUpper.ofFar, inUpper.ofNear, inLower.ofFar, inLower.ofNear}),
-          rightFar(rowCoverage, {inUpper.ofNear, inUpper.ofFar, inLower.ofNear, inLower.ofFar}) {}
+          leftFar(rowCoverage, inUpper.ofFar, inUpper.ofNear, inLower.ofFar, inLower.ofNear),
+          rightFar(rowCoverage, inUpper.ofNear, inUpper.ofFar, inLower.ofNear, inLower.ofFar) {}
 };
 
 /// The sums of one colour channel in the columns whose left pixel, or whose right one, is far.
 template <typename Lanes, int kChannel, bool kLeftFar>
-[[gnu::always_inline]] static inline typename Lanes::Doubles ChannelSum(
-    const DoubledRow<Lanes>& row, const typename Lanes::Pixels* upper,
-    const typename Lanes::Pixels* lower) {
+static inline typename Lanes::Doubles ChannelSum(const DoubledRow<Lanes>& row,
+                                                 const typename Lanes::Pixels* upper,
+                                                 const typename Lanes::Pixels* lower) {
     const auto part = [](auto pixels, const auto& share) {
         return WeightedSumLanes<Lanes>::template Part<kChannel>(pixels, share);
     };
@@ -79,9 +81,9 @@ template <typename Lanes, int kChannel, bool kLeftFar>
 }
 
 template <typename Lanes, bool kLeftFar>
-[[gnu::always_inline]] static inline typename Lanes::Pixels ColumnsOfKind(
-    const DoubledRow<Lanes>& row, const typename Lanes::Pixels* upper,
-    const typename Lanes::Pixels* lower) {
+static inline typename Lanes::Pixels ColumnsOfKind(const DoubledRow<Lanes>& row,
+                                                   const typename Lanes::Pixels* upper,
+                                                   const typename Lanes::Pixels* lower) {
     const auto& [scale, alpha] = kLeftFar ? row.leftFar : row.rightFar;
     return Lanes::Pack(scale * ChannelSum<Lanes, 0, kLeftFar>(row, upper, lower),
                        scale * ChannelSum<Lanes, 1, kLeftFar>(row, upper, lower),
@@ -90,8 +92,7 @@ template <typename Lanes, bool kLeftFar>
 
 /// Draws two vectors of columns from `i` on if their pixels are opaque, else returns false.
 template <typename Lanes>
-[[gnu::always_inline]] static inline bool DrawOpaqueDoubled(const DoubledRow<Lanes>& row, size_t i,
-                                                            bool streaming) {
+static inline bool DrawOpaqueDoubled(const DoubledRow<Lanes>& row, size_t i, bool streaming) {
     const RGBA16* const above = row.upper.pixels + row.left.index[i];
     const RGBA16* const below = row.lower.pixels + row.left.index[i];
     if (above->a != kFullScale) {

@@ -27,7 +27,7 @@ static inline typename Lanes::Doubles DivisorIn(typename Lanes::Mask mask,
 }
 
 template <typename Lanes>
-[[gnu::always_inline]] static inline bool AreOpaque(const auto&... pixels) {
+static inline bool AreOpaque(const auto&... pixels) {
     auto missing = typename Lanes::Pixels{};
     ((missing = Lanes::Union(missing, Lanes::NotOpaque(pixels))), ...);
     return !Lanes::Any(Lanes::Visible(missing));
