@@ -54,8 +54,8 @@ void ChanDecomp(benchmark::State& state) {
     });
 }
 
-/// From the collection to the disposal, the work image's allocation included. Beside a copy of
-/// five images: four layers into the work image, and that into the result.
+/// From the collection to the disposal, the allocation of the work planes included. Beside a copy
+/// of five images: the four layers, and the result.
 void ChanMerge(benchmark::State& state, uint32_t opacity) {
     static constexpr const char* kNames[] = {"[R]Sky", "[G]Sky", "[B]Sky", "[A]Sky"};
     BenchImage image;

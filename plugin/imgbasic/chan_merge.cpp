@@ -12,6 +12,9 @@ using texts::Message;
 
 constexpr Channel kChannels[] = {Channel::R, Channel::G, Channel::B, Channel::A};
 
+/// Of the planes together.
+constexpr size_t kBytesAPixel = 3 * sizeof(uint16_t);
+
 /// A layer without pixels. A rectangle counts as empty here only when its sides are reversed.
 constexpr PixelRect kNoRect{1, 1, -1, -1};
 
@@ -64,7 +67,7 @@ int ChannelMergeImageProcess::Dialog(ApplyCallback apply) {
     layers_ = {};
     current_ = -1;
     slots_ = kNoSlots;
-    workImage_.reset();
+    workPlanes_.reset();
     return ApplyNow();
 }
 
@@ -81,20 +84,25 @@ int ChannelMergeImageProcess::Phase(int phase, uint32_t* /*newWidth*/, uint32_t*
     // Not yet the object's: without memory the phase can be asked for again.
     Slots slots = slots_;
     const bool valid = FindChannels(slots) && IsAlphaLast(slots);
-    if (valid && !MakeWorkImage()) {
+    if (valid && !MakeWorkPlanes()) {
         return 0;
     }
     slots_ = slots;
     return valid ? KeepMergedImage(merged) : -2;
 }
 
-bool ChannelMergeImageProcess::MakeWorkImage() {
-    workImage_.reset();  // before the next one is allocated, not after
+bool ChannelMergeImageProcess::MakeWorkPlanes() {
+    workPlanes_.reset();  // before the next ones are allocated, not after
     const size_t pixels = PixelCount(width, height);
-    if (pixels <= SIZE_MAX / sizeof(RGBA16)) {
-        workImage_ = AllocateZeroed(pixels * sizeof(RGBA16));
+    if (pixels <= SIZE_MAX / kBytesAPixel) {
+        workPlanes_ = AllocateZeroed(pixels * kBytesAPixel);
     }
-    return workImage_ != nullptr || pixels == 0;
+    return workPlanes_ != nullptr || pixels == 0;
+}
+
+uint16_t* ChannelMergeImageProcess::Plane(Channel color) const {
+    return reinterpret_cast<uint16_t*>(workPlanes_.get()) +
+           IndexOf(color) * PixelCount(width, height);
 }
 
 bool ChannelMergeImageProcess::Execute(const ExecuteArgs& args) {
@@ -112,7 +120,7 @@ bool ChannelMergeImageProcess::AdjustLocate(int /*index*/, int /*layer*/, int /*
 }
 
 bool ChannelMergeImageProcess::Dispose() {
-    workImage_.reset();
+    workPlanes_.reset();
     return true;
 }
 
@@ -190,9 +198,8 @@ void ChannelMergeImageProcess::MergeLayer(const ExecuteArgs& args) {
     if (*channel != Channel::A) {
         StoreThrough(args.resultCode, 1);
         CloseGap(args.layer, args.subLayer);
-    }
-    AddToWorkImage(args, *channel);
-    if (*channel == Channel::A) {
+        KeepColor(args, *channel);
+    } else {
         HandOver(args);
     }
     slots_[IndexOf(*channel)] = -1;
@@ -229,33 +236,61 @@ void ChannelMergeImageProcess::CloseGap(int32_t layer, int32_t subLayer) {
     }
 }
 
-void ChannelMergeImageProcess::AddToWorkImage(const ExecuteArgs& args, Channel channel) {
-    if (args.inRect == nullptr || args.src == nullptr || workImage_ == nullptr) {
+void ChannelMergeImageProcess::KeepColor(const ExecuteArgs& args, Channel channel) {
+    if (args.inRect == nullptr || args.src == nullptr || workPlanes_ == nullptr) {
         return;
     }
-    const bool attenuated = channel != Channel::A && args.layerOpacity != nullptr;
-    const uint32_t percent = attenuated ? *args.layerOpacity : 100;
-    ForEachRun(WorkPixels(), args.src, width, ClippedTo(*this, *args.inRect),
-               [=](RGBA16* dst, const RGBA16* src, size_t count, Store) {
-                   ReplaceChannel(dst, src, count, channel, percent);
+    const uint32_t percent = args.layerOpacity == nullptr ? 100 : *args.layerOpacity;
+    ForEachRun(Plane(channel), args.src, width, ClippedTo(*this, *args.inRect),
+               [=](uint16_t* plane, const RGBA16* src, size_t count, Store) {
+                   TakeChannel(plane, src, count, channel, percent);
                });
 }
 
 /// Puts the result in place of the alpha layer, under the base name.
 void ChannelMergeImageProcess::HandOver(const ExecuteArgs& args) const {
-    const RECT area{union_.left, union_.top, union_.right, union_.bottom};
     if (args.outRect != nullptr) {
-        *args.outRect = area;
+        *args.outRect = {union_.left, union_.top, union_.right, union_.bottom};
     }
-    if (args.dst != nullptr && workImage_ != nullptr) {
-        ForEachRun(args.dst, WorkPixels(), width, ClippedTo(*this, area),
-                   [](RGBA16* dst, const RGBA16* src, size_t count, Store) {
-                       std::copy_n(src, count, dst);
-                   });
+    if (args.dst != nullptr && workPlanes_ != nullptr) {
+        const bool hasAlpha = args.inRect != nullptr && args.src != nullptr;
+        WriteResult(args.dst, args.src, hasAlpha ? ClippedTo(*this, *args.inRect) : PixelRect{});
     }
     const int32_t alphaSlot = slots_[IndexOf(Channel::A)];
     WriteLayerName(args.layerName, WithoutTag(layers_[static_cast<size_t>(alphaSlot)].name));
     StoreThrough(args.layerMode, 0);
+}
+
+/// Writes the union of the layers; outside `alphaRect` it is transparent.
+void ChannelMergeImageProcess::WriteResult(RGBA16* dst, const RGBA16* alphas,
+                                           PixelRect alphaRect) const {
+    const PixelRect whole =
+        ClippedTo(*this, {union_.left, union_.top, union_.right, union_.bottom});
+    const Store store = StoreFor(PixelCount(width, height));
+    const uint16_t* const r = Plane(Channel::R);
+    const uint16_t* const g = Plane(Channel::G);
+    const uint16_t* const b = Plane(Channel::B);
+    const auto writeTransparent = [=](size_t begin, size_t end) {
+        for (size_t i = begin; i < end; ++i) {
+            dst[i] = {r[i], g[i], b[i], 0};
+        }
+    };
+    for (int32_t y = whole.top; y < whole.bottom; ++y) {
+        const size_t row = static_cast<size_t>(y) * static_cast<size_t>(width);
+        const bool hasAlpha = y >= alphaRect.top && y < alphaRect.bottom;
+        const size_t left = row + static_cast<size_t>(whole.left);
+        const size_t right = row + static_cast<size_t>(whole.right);
+        const size_t begin =
+            hasAlpha ? std::clamp(row + static_cast<size_t>(alphaRect.left), left, right) : left;
+        const size_t end =
+            hasAlpha ? std::clamp(row + static_cast<size_t>(alphaRect.right), left, right) : left;
+        writeTransparent(left, begin);
+        if (begin < end) {
+            JoinChannels(dst + begin, {r + begin, g + begin, b + begin}, alphas + begin,
+                         end - begin, store);
+        }
+        writeTransparent(std::max(begin, end), right);
+    }
 }
 
 }  // namespace imgbasic

@@ -36,21 +36,22 @@ class ChannelMergeImageProcess final : public ImageProcess {
     bool FindChannels(Slots& slots);
     bool IsAtOwnLevel(const LayerData& layer) const;
     bool IsAlphaLast(const Slots& slots) const;
-    bool MakeWorkImage();
+    bool MakeWorkPlanes();
     bool Refuse(texts::Message message, const Text& argument = {"", ""}) const;
     void MergeLayer(const ExecuteArgs& args);
     std::optional<Channel> ChannelAt(int32_t layer, int32_t subLayer) const;
     void CloseGap(int32_t layer, int32_t subLayer);
-    void AddToWorkImage(const ExecuteArgs& args, Channel channel);
+    void KeepColor(const ExecuteArgs& args, Channel channel);
     void HandOver(const ExecuteArgs& args) const;
+    void WriteResult(RGBA16* dst, const RGBA16* alphas, PixelRect alphaRect) const;
 
-    RGBA16* WorkPixels() const { return reinterpret_cast<RGBA16*>(workImage_.get()); }
+    uint16_t* Plane(Channel color) const;
 
     KVArray<LayerData> layers_;  ///< in the order in which the host showed them
     int32_t current_ = -1;       ///< place in `layers_` of the host's current layer
     Slots slots_ = kNoSlots;
-    PixelRect union_;        ///< of the four layers' rectangles
-    ZeroedBlock workImage_;  ///< the pixels of the result in the making, the size of the image
+    PixelRect union_;         ///< of the four layers' rectangles
+    ZeroedBlock workPlanes_;  ///< the colours of the result: a plane of the image's size for each
 };
 
 template <>

@@ -11,9 +11,10 @@ namespace imgbasic {
 
 /// Calls `row(dst, src, count, store)` for runs of `count` neighbouring pixels that together make
 /// up `rect`, top to bottom. Both buffers are `width` pixels wide and contain `rect`; whole-width
-/// rectangles are one run. The kernel need not handle a `dst` that partly overlaps `src`.
-template <typename RowFunction>
-void ForEachRun(RGBA16* dst, const RGBA16* src, int32_t width, PixelRect rect, RowFunction&& row) {
+/// rectangles are one run. The kernel need not handle a `dst` that partly overlaps `src`; `Dst` may
+/// be less than a whole pixel.
+template <typename Dst, typename RowFunction>
+void ForEachRun(Dst* dst, const RGBA16* src, int32_t width, PixelRect rect, RowFunction&& row) {
     if (rect.IsEmpty()) {
         return;
     }

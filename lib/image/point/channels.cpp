@@ -18,19 +18,33 @@ void IsolateChannel(RGBA16* dst, const RGBA16* src, size_t count, Channel channe
     kForms.Active()(dst, src, count, channel, store);
 }
 
-void ReplaceChannelScalar(RGBA16* dst, const RGBA16* src, size_t count, Channel channel,
-                          uint32_t percent) {
+void TakeChannelScalar(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
+                       uint32_t percent) {
     const auto member = MemberOf(channel);
     for (size_t i = 0; i < count; ++i) {
-        dst[i].*member = PercentOf(src[i].*member, percent);
+        plane[i] = PercentOf(src[i].*member, percent);
     }
 }
 
-void ReplaceChannel(RGBA16* dst, const RGBA16* src, size_t count, Channel channel,
-                    uint32_t percent) {
-    static constexpr KernelForms<ReplaceChannelForm> kForms{ReplaceChannelScalar,
-                                                            IMGBASIC_X86_FORM(ReplaceChannelAvx2)};
-    kForms.Active()(dst, src, count, channel, percent);
+void TakeChannel(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
+                 uint32_t percent) {
+    static constexpr KernelForms<TakeChannelForm> kForms{TakeChannelScalar,
+                                                         IMGBASIC_X86_FORM(TakeChannelAvx2)};
+    kForms.Active()(plane, src, count, channel, percent);
+}
+
+void JoinChannelsScalar(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alphas, size_t count,
+                        Store /*store*/) {
+    for (size_t i = 0; i < count; ++i) {
+        dst[i] = {colors.r[i], colors.g[i], colors.b[i], alphas[i].a};
+    }
+}
+
+void JoinChannels(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alphas, size_t count,
+                  Store store) {
+    static constexpr KernelForms<JoinChannelsForm> kForms{JoinChannelsScalar,
+                                                          IMGBASIC_X86_FORM(JoinChannelsAvx2)};
+    kForms.Active()(dst, colors, alphas, count, store);
 }
 
 }  // namespace imgbasic

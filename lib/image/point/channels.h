@@ -36,9 +36,20 @@ inline uint16_t PercentOf(uint16_t value, uint32_t percent) {
 /// Writes IsolateChannel of `count` pixels of `src` to `dst`, which may be the same buffer.
 void IsolateChannel(RGBA16* dst, const RGBA16* src, size_t count, Channel channel, Store store);
 
-/// Sets `channel` of `count` pixels of `dst` to PercentOf that channel in `src`; 100 % copies it.
-/// The other channels of both do not matter and stay.
-void ReplaceChannel(RGBA16* dst, const RGBA16* src, size_t count, Channel channel,
-                    uint32_t percent);
+/// Writes PercentOf `channel` in `count` pixels of `src` to `plane`; 100 % copies it.
+void TakeChannel(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
+                 uint32_t percent);
+
+/// The colour channels of a run of pixels, each on its own.
+struct ColorPlanes {
+    const uint16_t* r;
+    const uint16_t* g;
+    const uint16_t* b;
+};
+
+/// Writes `count` pixels of the given colours to `dst`, with the alpha of `alphas`, which may be
+/// the same buffer.
+void JoinChannels(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alphas, size_t count,
+                  Store store);
 
 }  // namespace imgbasic

@@ -6,13 +6,18 @@ namespace imgbasic {
 
 using IsolateChannelForm = void(RGBA16* dst, const RGBA16* src, size_t count, Channel channel,
                                 Store store);
-using ReplaceChannelForm = void(RGBA16* dst, const RGBA16* src, size_t count, Channel channel,
-                                uint32_t percent);
+using TakeChannelForm = void(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
+                             uint32_t percent);
+using JoinChannelsForm = void(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alphas,
+                              size_t count, Store store);
 
 IsolateChannelForm IsolateChannelScalar;
 IsolateChannelForm IsolateChannelAvx2;
 
-ReplaceChannelForm ReplaceChannelScalar;
-ReplaceChannelForm ReplaceChannelAvx2;
+TakeChannelForm TakeChannelScalar;
+TakeChannelForm TakeChannelAvx2;
+
+JoinChannelsForm JoinChannelsScalar;
+JoinChannelsForm JoinChannelsAvx2;
 
 }  // namespace imgbasic

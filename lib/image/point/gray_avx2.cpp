@@ -37,20 +37,32 @@ __m256i WeightedChannels(__m256i colors, short r, short g, short b) {
     return _mm256_add_epi32(_mm256_add_epi32(pairs, _mm256_srli_epi64(pairs, 32)), offset);
 }
 
-/// The low words, rounded to 8 bits.
+/// The low words of 32-bit lanes, rounded to 8 bits.
 __m256i ToBytes(__m256i words) {
-    const __m256i rounded = _mm256_adds_epu16(words, _mm256_set1_epi64x(127));
-    return _mm256_and_si256(_mm256_srli_epi64(rounded, 8), _mm256_set1_epi64x(0xFF));
+    const __m256i rounded = _mm256_adds_epu16(words, _mm256_set1_epi32(127));
+    return _mm256_and_si256(_mm256_srli_epi32(rounded, 8), _mm256_set1_epi32(0xFF));
 }
 
-__m256i Saturation(__m256i colors) {
-    const __m256i largest = ToBytes(LargestChannel(colors));
-    const __m256i chroma = _mm256_sub_epi32(largest, ToBytes(SmallestChannel(colors)));
+/// The low halves of 64-bit lanes, those of both vectors in one.
+__m256i LowHalves(const TwoVectors& lanes) {
+    return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(lanes.first),
+                                                 _mm256_castsi256_ps(lanes.second),
+                                                 _MM_SHUFFLE(2, 0, 2, 0)));
+}
+
+TwoVectors Saturations(const TwoVectors& colors) {
+    const __m256i largest =
+        ToBytes(LowHalves({LargestChannel(colors.first), LargestChannel(colors.second)}));
+    const __m256i smallest =
+        ToBytes(LowHalves({SmallestChannel(colors.first), SmallestChannel(colors.second)}));
     // Numerator and denominator are exact, and a quotient that is no whole number is too far from
     // the next one for single precision to round up to it.
-    const __m256 numerator = _mm256_mul_ps(_mm256_cvtepi32_ps(chroma), _mm256_set1_ps(255.0F));
+    const __m256 chroma = _mm256_cvtepi32_ps(_mm256_sub_epi32(largest, smallest));
+    const __m256 numerator = _mm256_mul_ps(chroma, _mm256_set1_ps(255.0F));
     const __m256 denominator = _mm256_max_ps(_mm256_cvtepi32_ps(largest), _mm256_set1_ps(1.0F));
-    return _mm256_cvttps_epi32(_mm256_div_ps(numerator, denominator));
+    const __m256i quotient = _mm256_cvttps_epi32(_mm256_div_ps(numerator, denominator));
+    const __m256i scaled = _mm256_slli_epi32(quotient, 8);
+    return {_mm256_unpacklo_epi32(scaled, scaled), _mm256_unpackhi_epi32(scaled, scaled)};
 }
 
 template <GrayMode kMode>
@@ -78,8 +90,6 @@ __m256i GrayValues(__m256i colors) {
             return _mm256_srli_epi64(colors, 16);
         case GrayMode::Blue:
             return _mm256_srli_epi64(colors, 32);
-        case GrayMode::Saturation:
-            return _mm256_slli_epi64(Saturation(colors), 8);
         case GrayMode::Cb:
         case GrayMode::Cr: {
             const __m256i sum = kMode == GrayMode::Cb
@@ -88,8 +98,18 @@ __m256i GrayValues(__m256i colors) {
             return _mm256_srai_epi32(_mm256_add_epi32(sum, _mm256_set1_epi32(kFullScale * 8192)),
                                      14);
         }
+        case GrayMode::Saturation:  // which GrayValuesOfTwo makes
         case GrayMode::Black:
             return _mm256_setzero_si256();
+    }
+}
+
+template <GrayMode kMode>
+TwoVectors GrayValuesOfTwo(const TwoVectors& colors) {
+    if constexpr (kMode == GrayMode::Saturation) {
+        return Saturations(colors);
+    } else {
+        return {GrayValues<kMode>(colors.first), GrayValues<kMode>(colors.second)};
     }
 }
 
@@ -114,20 +134,24 @@ void GrayRowAvx2(RGBA16* dst, const RGBA16* src, size_t count, uint32_t tint, St
     const uint64_t factors = uint64_t{tint & 0xFF'0000} >> 8 | uint64_t{tint & 0xFF00} << 16 |
                              uint64_t{tint & 0xFF} << 40;
     const __m256i tints = _mm256_set1_epi64x(static_cast<long long>(factors));
+    const auto tinted = [&](__m256i values, __m256i colors) {
+        __m256i words = _mm256_mulhi_epu16(SpreadWord(values, 0), tints);
+        if constexpr (kMode == GrayMode::Cb || kMode == GrayMode::Cr) {
+            // A negative value lacks 65536 in its low word: its tinted word has one whole factor,
+            // times 256, too much.
+            words = _mm256_sub_epi16(words, _mm256_and_si256(SpreadWord(values, 1), tints));
+        }
+        return _mm256_or_si256(words, _mm256_and_si256(colors, AlphaLanes()));
+    };
     ForEachOverWhite(
         dst, src, count, store,
         [&](RGBA16* to, const RGBA16* from, size_t pixels) {
             kGrayRowsScalar[static_cast<size_t>(kMode)](to, from, pixels, tint, store);
         },
-        [&](__m256i colors) {
-            const __m256i values = GrayValues<kMode>(colors);
-            __m256i tinted = _mm256_mulhi_epu16(SpreadWord(values, 0), tints);
-            if constexpr (kMode == GrayMode::Cb || kMode == GrayMode::Cr) {
-                // A negative value lacks 65536 in its low word: its tinted word has one whole
-                // factor, times 256, too much.
-                tinted = _mm256_sub_epi16(tinted, _mm256_and_si256(SpreadWord(values, 1), tints));
-            }
-            return _mm256_or_si256(tinted, _mm256_and_si256(colors, AlphaLanes()));
+        [&](const TwoVectors& colors) {
+            const TwoVectors values = GrayValuesOfTwo<kMode>(colors);
+            return TwoVectors{tinted(values.first, colors.first),
+                              tinted(values.second, colors.second)};
         });
 }
 

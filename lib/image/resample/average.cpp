@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "lib/image/resample/average_forms.h"
@@ -48,7 +49,34 @@ struct AverageColumns {
     std::vector<int32_t> indices;
     std::vector<double> areaWeights;
     std::vector<double> pixelWeights;
+    std::vector<double> opaqueShares;
+    std::vector<AverageColumnRun> runs;
 };
+
+constexpr size_t kRunColumns = 8;
+
+/// The stride of the eight columns from `i` on, see AverageColumnRun; `taps` is the most of them.
+int32_t FindStride(const AverageColumns& columns, size_t i, int32_t taps, int32_t sourceWidth) {
+    if (taps == 0 || i + kRunColumns > columns.count) {
+        return 0;
+    }
+    const int32_t* const index = &columns.indices[i];
+    const int32_t stride = index[1] - index[0];
+    if (stride < 2 || stride > 3 ||
+        sourceWidth - index[0] < taps - 1 + stride * static_cast<int32_t>(kRunColumns)) {
+        return 0;
+    }
+    // The other taps follow the first where none of them is cut off at an end of the row.
+    if (index[static_cast<size_t>(taps - 1) * columns.count] != index[0] + taps - 1) {
+        return 0;
+    }
+    for (size_t n = 2; n < kRunColumns; ++n) {
+        if (index[n] - index[n - 1] != stride) {
+            return 0;
+        }
+    }
+    return stride;
+}
 
 AverageColumns FindColumns(const ResampleAxis& axis) {
     AverageColumns columns;
@@ -58,8 +86,14 @@ AverageColumns FindColumns(const ResampleAxis& axis) {
     columns.indices.resize(entries);
     columns.areaWeights.resize(entries);
     columns.pixelWeights.resize(entries);
+    columns.opaqueShares.resize(entries);
+    columns.runs.resize(columns.count);
     for (size_t i = 0; i < axis.Count(); ++i) {
         const Span span = FindSpan(axis, i);
+        for (size_t n = i - std::min(i, kRunColumns - 1); n <= i; ++n) {
+            columns.runs[n].taps =
+                std::max(columns.runs[n].taps, static_cast<int32_t>(span.Count()));
+        }
         for (int64_t k = 0; k < static_cast<int64_t>(columns.taps); ++k) {
             const int64_t index = span.first + k;
             const size_t entry = static_cast<size_t>(k) * columns.count + i;
@@ -67,13 +101,55 @@ AverageColumns FindColumns(const ResampleAxis& axis) {
             columns.indices[entry] =
                 static_cast<int32_t>(std::clamp<int64_t>(index, 0, axis.sourceLimit - 1));
             if (k < span.Count()) {
-                columns.areaWeights[entry] = span.Weight(index);
-                columns.pixelWeights[entry] = axis.IsInClip(index) ? span.Weight(index) : 0;
+                const double weight = span.Weight(index);
+                columns.areaWeights[entry] = weight;
+                columns.pixelWeights[entry] = axis.IsInClip(index) ? weight : 0;
+                columns.opaqueShares[entry] =
+                    kFullScale * columns.pixelWeights[entry] / kFullScale * kQuotientRaise;
             }
         }
     }
+    for (size_t i = 0; i < columns.count; ++i) {
+        columns.runs[i].stride = FindStride(columns, i, columns.runs[i].taps, axis.sourceLimit);
+    }
     return columns;
 }
+
+/// What the forms keep for rows of the same weights, see AverageRow.
+class OpaqueMeans {
+  public:
+    OpaqueMeans(size_t columns, size_t mostTaps) : scales_(columns), alphas_(columns) {
+        weights_.reserve(mostTaps);
+    }
+
+    /// Whether a row is weighted as the one before it. If not, what was kept is forgotten.
+    bool IsRepeated(const std::vector<AverageTap>& taps, double coverage) {
+        const auto isSame = [](const AverageTap& a, const AverageTap& b) {
+            return a.weight == b.weight && (a.pixels == nullptr) == (b.pixels == nullptr);
+        };
+        if (coverage == coverage_ && std::ranges::equal(taps, weights_, isSame)) {
+            isUsed_ = true;
+            return true;
+        }
+        if (isUsed_) {
+            std::ranges::fill(scales_, 0);
+            isUsed_ = false;
+        }
+        weights_ = taps;
+        coverage_ = coverage;
+        return false;
+    }
+
+    double* Scales() { return scales_.data(); }
+    double* Alphas() { return alphas_.data(); }
+
+  private:
+    std::vector<double> scales_;
+    std::vector<double> alphas_;
+    std::vector<AverageTap> weights_;  ///< of the row before
+    double coverage_ = 0;
+    bool isUsed_ = false;
+};
 
 }  // namespace
 
@@ -108,6 +184,7 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
     const ResampleAxis& rows = resampling->rows;
     const AverageColumns columns = FindColumns(resampling->columns);
     // All memory is there before the first pixel is drawn: running out of it changes nothing.
+    OpaqueMeans means(columns.count, MostTaps(rows));
     std::vector<AverageTap> taps;
     taps.reserve(MostTaps(rows));
     for (size_t j = 0; j < rows.Count(); ++j) {
@@ -117,6 +194,7 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
             taps.push_back(
                 {rows.IsInClip(index) ? SourceRow(source, index) : nullptr, span.Weight(index)});
         }
+        const bool isRepeated = means.IsRepeated(taps, rows.coverage[j]);
         const AverageRow row{resampling->TargetRow(destination, j),
                              taps.data(),
                              taps.size(),
@@ -125,6 +203,10 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
                              columns.indices.data(),
                              columns.areaWeights.data(),
                              columns.pixelWeights.data(),
+                             columns.opaqueShares.data(),
+                             columns.runs.data(),
+                             isRepeated ? means.Scales() : nullptr,
+                             isRepeated ? means.Alphas() : nullptr,
                              resampling->columns.coverage.data(),
                              rows.coverage[j],
                              source.width,

@@ -14,10 +14,23 @@ struct AverageTap {
     double weight;
 };
 
+/// What eight neighbouring columns, as many as any vector has, share; kept for the first of them.
+struct AverageColumnRun {
+    int32_t taps;    ///< the most that any of them has, or of as many as there are up to the end
+    int32_t stride;  ///< 2 or 3: how far apart their pixels lie in every tap; 0: irregularly
+};
+
 /// One destination row to average. Every column takes `taps` source columns of every source row,
 /// kept tap by tap: entry k * columns + i belongs to tap k of column i. A column with fewer taps
 /// has weights 0 in the rest, which add nothing; so has, in `pixelWeights`, a tap whose pixel does
-/// not take part. All indices are inside the row.
+/// not take part. All indices are inside the row and ascend from column to column.
+///
+/// Where the stride of the run at i is s, its pixels are indices[i] + k + s * (0, 1, ... 7), and
+/// the s * 8 pixels from the first of them on are inside the row.
+///
+/// What only the weights decide is the same in all rows of the same weights: a form may keep for
+/// them, column by column, what the colour sums of opaque pixels are scaled by (0: nothing is kept)
+/// and the alpha of their mean.
 struct AverageRow {
     RGBA16* dst;
     const AverageTap* rows;
@@ -27,6 +40,10 @@ struct AverageRow {
     const int32_t* indices;
     const double* areaWeights;
     const double* pixelWeights;
+    const double* opaqueShares;  ///< what opaque pixels add to an alpha sum in a row of weight 1
+    const AverageColumnRun* runs;
+    double* opaqueScales;  ///< null in a row weighted otherwise than the one before it
+    double* opaqueAlphas;
     const double* coverage;
     double rowCoverage;
     int32_t sourceWidth;

@@ -47,7 +47,8 @@ struct Side {
 
     void Add(int64_t sample, double sampleWeight, int32_t boundary, const ResampleAxis& axis) {
         const Resolved resolved = Resolve(sample, boundary, axis);
-        index.push_back(resolved.used ? static_cast<int32_t>(resolved.index) : 0);
+        index.push_back(
+            static_cast<int32_t>(std::clamp<int64_t>(resolved.index, 0, axis.sourceLimit - 1)));
         weight.push_back(resolved.used ? sampleWeight : 0);
         inside.push_back(resolved.inside ? sampleWeight : 0);
     }
@@ -77,6 +78,55 @@ Samples FindSamples(const ResampleAxis& axis, int32_t boundary) {
         samples.high.Add(ToIndex(high), fraction, boundary, axis);
     }
     return samples;
+}
+
+/// Where the runs of columns end in which the indices of both sides ascend: at the end, and where
+/// a repeated clip rectangle begins anew.
+std::vector<size_t> FindEndsOfAscent(const Samples& columns) {
+    const std::vector<int32_t>& low = columns.low.index;
+    const std::vector<int32_t>& high = columns.high.index;
+    std::vector<size_t> ends;
+    for (size_t i = 1; i < low.size(); ++i) {
+        if (low[i] < low[i - 1] || high[i] < high[i - 1]) {
+            ends.push_back(i);
+        }
+    }
+    ends.push_back(low.size());
+    return ends;
+}
+
+/// BilinearRow::doubled; empty when no columns are.
+std::vector<uint8_t> FindDoubled(const Samples& columns, const std::vector<double>& coverage) {
+    const Side& low = columns.low;
+    const Side& high = columns.high;
+    const auto isDoubled = [&](size_t i) {
+        const bool isLeftFar = low.weight[i] == kFarWeight && high.weight[i] == kNearWeight;
+        const bool isRightFar = low.weight[i] == kNearWeight && high.weight[i] == kFarWeight;
+        return (isLeftFar || isRightFar) && high.index[i] == low.index[i] + 1 &&
+               low.inside[i] == low.weight[i] && high.inside[i] == high.weight[i] &&
+               coverage[i] == 1;
+    };
+    const auto follows = [&](size_t i) {
+        const int32_t step = low.weight[i - 1] == kFarWeight ? 1 : 0;
+        return low.weight[i] == high.weight[i - 1] && low.index[i] == low.index[i - 1] + step;
+    };
+    std::vector<uint8_t> doubled(coverage.size());
+    size_t length = 0;
+    bool any = false;
+    for (size_t i = 0; i < coverage.size(); ++i) {
+        length = !isDoubled(i) ? 0 : length > 0 && follows(i) ? length + 1 : 1;
+        if (length >= kDoubledColumns) {
+            doubled[i + 1 - kDoubledColumns] = 1;
+            any = true;
+        }
+    }
+    return any ? doubled : std::vector<uint8_t>();
+}
+
+/// Whether columns covered in full and inside the clip rectangle are drawn without fading.
+bool ArePlain(const BilinearSourceRow& upper, const BilinearSourceRow& lower) {
+    return upper.inside == upper.weight && lower.inside == lower.weight &&
+           upper.inside + lower.inside > kFullInside;
 }
 
 }  // namespace
@@ -111,23 +161,33 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
         return;
     }
     const Samples columns = FindSamples(resampling->columns, boundary);
+    const std::vector<size_t> ends = FindEndsOfAscent(columns);
+    const std::vector<uint8_t> doubled = FindDoubled(columns, resampling->columns.coverage);
     const Samples rows = FindSamples(resampling->rows, boundary);
     const size_t columnCount = resampling->columns.Count();
     const size_t rowCount = resampling->rows.Count();
     const bool needsInside = boundary != BoundaryClip;
     for (size_t j = 0; j < rowCount; ++j) {
+        const BilinearSourceRow upper = rows.low.Row(j, source);
+        const BilinearSourceRow lower = rows.high.Row(j, source);
+        const bool showsDoubled = !doubled.empty() && ArePlain(upper, lower);
         const BilinearRow row{resampling->TargetRow(destination, j),
-                              rows.low.Row(j, source),
-                              rows.high.Row(j, source),
+                              upper,
+                              lower,
                               columns.low.Columns(),
                               columns.high.Columns(),
+                              showsDoubled ? doubled.data() : nullptr,
                               resampling->columns.coverage.data(),
                               resampling->rows.coverage[j],
                               source.width,
                               needsInside,
                               needsInside && fadeAlpha,
                               StoreFor(columnCount * rowCount)};
-        kForms.Active()(row, 0, columnCount);
+        size_t begin = 0;
+        for (const size_t end : ends) {
+            kForms.Active()(row, begin, end);
+            begin = end;
+        }
     }
 }
 

@@ -24,12 +24,17 @@ struct BilinearSourceRow {
 };
 
 /// One destination row to interpolate.
+///
+/// Doubled columns are those of an enlargement to twice the width. Their two pixels are neighbours;
+/// the one of kFarWeight is in turn the left and the right, and two columns have the same one of
+/// kNearWeight. All of them are covered in full, and none fades.
 struct BilinearRow {
     RGBA16* dst;
     BilinearSourceRow upper;
     BilinearSourceRow lower;
     BilinearColumns left;
     BilinearColumns right;
+    const uint8_t* doubled;  ///< 1: kDoubledColumns from here on are doubled; null: none are
     const double* coverage;
     double rowCoverage;
     int32_t sourceWidth;
@@ -38,13 +43,16 @@ struct BilinearRow {
     Store store;
 };
 
-/// Interpolates the columns [begin, end) of a row.
+/// Interpolates the columns [begin, end) of a row. The indices of either side ascend.
 using BilinearRowForm = void(const BilinearRow& row, size_t begin, size_t end);
 
 BilinearRowForm BilinearRowScalar;
 BilinearRowForm BilinearRowAvx2;
 BilinearRowForm BilinearRowAvx512;
 
+constexpr double kFarWeight = 0.25;
+constexpr double kNearWeight = 0.75;
+constexpr size_t kDoubledColumns = 16;
 constexpr double kFullInside = 0.85;  ///< the inside weight from which on nothing fades
 
 }  // namespace imgbasic

@@ -1,4 +1,4 @@
-#include "lib/image/resample/resample_lanes.h"
+#include "lib/image/resample/doubled_lanes.h"
 #include "lib/image/simd/pixel_lanes_avx2.h"
 
 namespace imgbasic {
@@ -12,7 +12,11 @@ void AverageRowAvx2(const AverageRow& row, size_t begin, size_t end) {
 }
 
 void BilinearRowAvx2(const BilinearRow& row, size_t begin, size_t end) {
-    DrawColumns<Avx2Lanes::kCount>(row, begin, end, BilinearLanes<Avx2Lanes>, BilinearRowScalar);
+    if (row.doubled != nullptr) {
+        DrawDoubled<Avx2Lanes>(row, begin, end);
+    } else {
+        DrawBilinear<Avx2Lanes>(row, begin, end);
+    }
 }
 
 }  // namespace imgbasic

@@ -1,4 +1,4 @@
-#include "lib/image/resample/resample_lanes.h"
+#include "lib/image/resample/doubled_lanes.h"
 #include "lib/image/simd/pixel_lanes_avx512.h"
 
 namespace imgbasic {
@@ -12,8 +12,11 @@ void AverageRowAvx512(const AverageRow& row, size_t begin, size_t end) {
 }
 
 void BilinearRowAvx512(const BilinearRow& row, size_t begin, size_t end) {
-    DrawColumns<Avx512Lanes::kCount>(row, begin, end, BilinearLanes<Avx512Lanes>,
-                                     BilinearRowScalar);
+    if (row.doubled != nullptr) {
+        DrawDoubled<Avx512Lanes>(row, begin, end);
+    } else {
+        DrawBilinear<Avx512Lanes>(row, begin, end);
+    }
 }
 
 }  // namespace imgbasic

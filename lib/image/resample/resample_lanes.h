@@ -1,9 +1,8 @@
 #pragma once
 
-#include "lib/image/resample/average_forms.h"
+#include "lib/image/resample/average_lanes.h"
 #include "lib/image/resample/bilinear_forms.h"
 #include "lib/image/resample/nearest_forms.h"
-#include "lib/image/resample/weighted_sum_lanes.h"
 #include "lib/image/simd/vector_run.h"
 
 // The resampling kernels over several pixels at once, for each set of lanes the same. Operations
@@ -15,38 +14,8 @@ namespace imgbasic {
 
 template <typename Lanes>
 static void NearestLanes(const NearestRow& row, size_t i, bool streaming) {
-    const auto pixels = typename Lanes::Picker(row.index + i, row.sourceWidth).Pick(row.source);
+    const auto pixels = Lanes::PickOnce(row.source, row.index + i, row.sourceWidth);
     Lanes::Store(row.dst + i, pixels, Lanes::Visible(pixels), streaming);
-}
-
-template <typename Lanes>
-static void AverageLanes(const AverageRow& row, size_t i, bool streaming) {
-    WeightedSumLanes<Lanes> sum;
-    auto area = Lanes::Set(0);
-    for (size_t j = 0; j < row.rowCount; ++j) {
-        const AverageTap& tap = row.rows[j];
-        const auto weight = Lanes::Set(tap.weight);
-        for (size_t k = 0; k < row.taps; ++k) {
-            const size_t entry = k * row.columns + i;
-            area += Lanes::Load(row.areaWeights + entry) * weight;
-            if (tap.pixels == nullptr) {
-                continue;
-            }
-            const typename Lanes::Picker picker(row.indices + entry, row.sourceWidth);
-            const auto pixels = picker.Pick(tap.pixels);
-            // Transparent pixels would add zeros.
-            if (Lanes::Any(Lanes::Visible(pixels))) {
-                sum.Add(pixels, Lanes::Load(row.pixelWeights + entry) * weight);
-            }
-        }
-    }
-    const auto hasArea = Lanes::Greater(area, Lanes::Set(kSmallestArea));
-    const auto drawn = Lanes::Both(sum.IsVisible(), hasArea);
-    if (Lanes::Any(drawn)) {
-        const auto covered = Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage);
-        const auto alpha = sum.Alpha(covered) / DivisorIn<Lanes>(hasArea, area);
-        Lanes::Store(row.dst + i, sum.Mean(alpha), drawn, streaming);
-    }
 }
 
 /// The weight inside the clip rectangle.
@@ -77,10 +46,17 @@ static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
     const auto upper = Lanes::Set(row.upper.weight);
     const auto lower = Lanes::Set(row.lower.weight);
     WeightedSumLanes<Lanes> sum;
-    sum.Add(upperLeft, left * upper);
-    sum.Add(upperRight, right * upper);
-    sum.Add(lowerLeft, left * lower);
-    sum.Add(lowerRight, right * lower);
+    if (AreOpaque<Lanes>(upperLeft, upperRight, lowerLeft, lowerRight)) {
+        sum.AddOpaque(upperLeft, left * upper);
+        sum.AddOpaque(upperRight, right * upper);
+        sum.AddOpaque(lowerLeft, left * lower);
+        sum.AddOpaque(lowerRight, right * lower);
+    } else {
+        sum.Add(upperLeft, left * upper);
+        sum.Add(upperRight, right * upper);
+        sum.Add(lowerLeft, left * lower);
+        sum.Add(lowerRight, right * lower);
+    }
     auto drawn = sum.IsVisible();
     auto alpha = sum.Alpha(Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage));
     if (row.needsInside) {
@@ -92,7 +68,7 @@ static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
             alpha = Lanes::Select(little, alpha * inside / full, alpha);
         }
     }
-    Lanes::Store(row.dst + i, sum.Mean(alpha), drawn, streaming);
+    Lanes::Store(row.dst + i, sum.Mean(sum.Scale(), alpha), drawn, streaming);
 }
 
 /// Draws the columns [begin, end) with `lanes(row, i, streaming)`, which draws kStep columns from

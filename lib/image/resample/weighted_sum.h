@@ -4,6 +4,9 @@
 
 namespace imgbasic {
 
+/// By how much vector forms keep alpha sums multiplied, see WeightedSumLanes.
+constexpr double kQuotientRaise = 65536;
+
 /// A channel value from a computed one: truncated, in 16 bits. The value is a weighted mean of
 /// channels or a part of an alpha, and rounding takes it no farther out of 16 bits than 32 bits
 /// reach.

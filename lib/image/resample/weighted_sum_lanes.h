@@ -1,10 +1,8 @@
 #pragma once
 
-#include "lib/image/pixels/rgba16.h"
+#include "lib/image/resample/weighted_sum.h"
 
 namespace imgbasic {
-
-constexpr double kQuotientRaise = 65536;
 
 /// x / kFullScale * kQuotientRaise = x * 256 / 255 = x + x / 255, correctly rounded, without a
 /// division (after Brisebarre, Muller and Raina, 2004).
@@ -28,6 +26,19 @@ static inline typename Lanes::Doubles DivisorIn(typename Lanes::Mask mask,
     return Lanes::All(mask) ? divisor : Lanes::Select(mask, divisor, Lanes::Set(1));
 }
 
+template <typename Lanes>
+static inline bool AreOpaque(const auto&... pixels) {
+    auto missing = typename Lanes::Pixels{};
+    ((missing = Lanes::Union(missing, Lanes::NotOpaque(pixels))), ...);
+    return !Lanes::Any(Lanes::Visible(missing));
+}
+
+/// What opaque pixels with the given weights add to an alpha sum.
+template <typename Lanes>
+static inline typename Lanes::Doubles OpaqueShare(typename Lanes::Doubles weights) {
+    return RaisedOverFullScale<Lanes>(Lanes::Set(kFullScale) * weights);
+}
+
 /// WeightedSum of several pixels at once. Every sum is kept multiplied by a power of two, which
 /// changes no rounding and saves shifting the channels down.
 template <typename Lanes>
@@ -35,15 +46,39 @@ class WeightedSumLanes {
   public:
     using Doubles = typename Lanes::Doubles;
 
+    /// A part of the alpha sum, and the same as Part needs it beside.
+    struct Share {
+        Doubles share;
+        Doubles raised;
+
+        explicit Share(Doubles value) : share(value), raised(value * Lanes::Set(kRaise)) {}
+    };
+
     void Add(typename Lanes::Pixels pixels, Doubles weights) {
-        const Doubles raise = Lanes::Set(kRaise);
-        const Doubles alpha = Lanes::RaisedAlpha(pixels) - raise;
-        const Doubles share = RaisedOverFullScale<Lanes>(alpha * weights);
-        const Doubles raisedShare = share * raise;
-        r_ += Part(Lanes::template RaisedColor<0>(pixels), share, raisedShare);
-        g_ += Part(Lanes::template RaisedColor<1>(pixels), share, raisedShare);
-        b_ += Part(Lanes::template RaisedColor<2>(pixels), share, raisedShare);
-        a_ += share;
+        const Doubles alpha = Lanes::RaisedAlpha(pixels) - Lanes::Set(kRaise);
+        AddShare(pixels, Share(RaisedOverFullScale<Lanes>(alpha * weights)));
+    }
+
+    /// Add of opaque pixels.
+    void AddOpaque(typename Lanes::Pixels pixels, Doubles weights) {
+        AddShare(pixels, Share(OpaqueShare<Lanes>(weights)));
+    }
+
+    /// Adds pixels whose part of the alpha sum is known: for opaque ones, OpaqueShare.
+    void AddShare(typename Lanes::Pixels pixels, const Share& share) {
+        r_ += Part<0>(pixels, share);
+        g_ += Part<1>(pixels, share);
+        b_ += Part<2>(pixels, share);
+        a_ += share.share;
+    }
+
+    /// What pixels add to the sum of a colour channel. Inside a multiply-add,
+    /// (2^52 + x) * share - 2^52 * share is exact: the product x * share is rounded once, as it is
+    /// without the detour.
+    template <int kChannel>
+    static Doubles Part(typename Lanes::Pixels pixels, const Share& share) {
+        return RaisedOverFullScale<Lanes>(Lanes::MultiplySubtract(
+            Lanes::template RaisedColor<kChannel>(pixels), share.share, share.raised));
     }
 
     typename Lanes::Mask IsVisible() const { return Lanes::Greater(a_, Lanes::Set(0)); }
@@ -53,15 +88,16 @@ class WeightedSumLanes {
         return covered * a_ * Lanes::Set(kFullScale / kQuotientRaise);
     }
 
-    /// The mean colours with the given alphas. Where nothing is visible, the sums are 0 or what is
+    /// What makes mean colours of the colour sums. Where nothing is visible, these are 0 or what is
     /// left of 0 by rounding; there they are divided by 1, since a host may have unmasked the
     /// exceptions of a division by zero and of converting its result.
-    typename Lanes::Pixels Mean(Doubles alpha) const {
-        const Doubles scale =
-            Lanes::Set(kFullScale / kQuotientRaise) / DivisorIn<Lanes>(IsVisible(), a_);
-        const Doubles down = Lanes::Set(1.0 / 65536);
-        const Doubles greenScale = scale * down;
-        return Lanes::Pack(scale * r_, greenScale * g_, greenScale * down * b_, alpha);
+    Doubles Scale() const {
+        return Lanes::Set(kFullScale / kQuotientRaise) / DivisorIn<Lanes>(IsVisible(), a_);
+    }
+
+    /// The mean colours, `scale` being Scale(), with the given alphas.
+    typename Lanes::Pixels Mean(Doubles scale, Doubles alpha) const {
+        return Lanes::Pack(scale * r_, scale * g_, scale * b_, alpha);
     }
 
   private:
@@ -73,12 +109,6 @@ class WeightedSumLanes {
     Doubles g_ = Lanes::Set(0);
     Doubles b_ = Lanes::Set(0);
     Doubles a_ = Lanes::Set(0);
-
-    /// Inside a multiply-add, (2^52 + x) * share - 2^52 * share is exact: the product x * share is
-    /// rounded once, as it is without the detour.
-    static Doubles Part(Doubles raisedColor, Doubles share, Doubles raisedShare) {
-        return RaisedOverFullScale<Lanes>(Lanes::MultiplySubtract(raisedColor, share, raisedShare));
-    }
 };
 
 }  // namespace imgbasic

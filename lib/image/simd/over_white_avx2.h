@@ -86,8 +86,14 @@ static inline __m256i OverTransparentWhiteAvx2(__m256i pixels) {
     return _mm256_blendv_epi8(_mm256_add_epi16(pixels, shortfalls), white, transparent);
 }
 
-/// Writes `ofColors` of the pixels of `src`, four at a time and composited over transparent white,
-/// to `dst`; `scalarRow(dst, src, count)` does what is left at the ends.
+/// Eight neighbouring pixels, or what is computed of them.
+struct TwoVectors {
+    __m256i first;
+    __m256i second;
+};
+
+/// Writes `ofColors` of the pixels of `src`, composited over transparent white, to `dst`;
+/// `scalarRow(dst, src, count)` does what is left at the ends.
 template <typename OfColors, typename ScalarRow>
 static inline void ForEachOverWhite(RGBA16* dst, const RGBA16* src, size_t count, Store store,
                                     ScalarRow scalarRow, OfColors ofColors) {
@@ -102,8 +108,9 @@ static inline void ForEachOverWhite(RGBA16* dst, const RGBA16* src, size_t count
             pixels1 = OverTransparentWhiteAvx2(pixels1);
             pixels2 = OverTransparentWhiteAvx2(pixels2);
         }
-        StoreVector(dst + i, ofColors(pixels1), run.streaming);
-        StoreVector(dst + i + kVector, ofColors(pixels2), run.streaming);
+        const TwoVectors results = ofColors(TwoVectors{pixels1, pixels2});
+        StoreVector(dst + i, results.first, run.streaming);
+        StoreVector(dst + i + kVector, results.second, run.streaming);
     }
     FinishStores(run.streaming);
     scalarRow(dst + run.end, src + run.end, count - run.end);

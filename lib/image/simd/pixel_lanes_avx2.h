@@ -21,6 +21,7 @@ struct Avx2Lanes {
 
     static Doubles Set(double value) { return _mm256_set1_pd(value); }
     static Doubles Load(const double* values) { return _mm256_loadu_pd(values); }
+    static void Store(double* values, Doubles doubles) { _mm256_storeu_pd(values, doubles); }
     static Doubles MultiplyAdd(Doubles a, Doubles b, Doubles c) { return _mm256_fmadd_pd(a, b, c); }
     static Doubles MultiplySubtract(Doubles a, Doubles b, Doubles c) {
         return _mm256_fmsub_pd(a, b, c);
@@ -41,7 +42,8 @@ struct Avx2Lanes {
     ///      raised      0x433   |     0     |   green   |    0        = 2^52 + green * 2^16
     template <int kChannel>
     static Doubles RaisedColor(Pixels pixels) {
-        return Raise(_mm256_and_si256(pixels, _mm256_set1_epi64x(0xFFFFLL << kChannel * 16)));
+        const Pixels raise = _mm256_set1_epi64x(0x4330'0000'0000'0000);
+        return _mm256_castsi256_pd(_mm256_blend_epi16(raise, pixels, 0x11 << kChannel));
     }
 
     /// 2^52 plus the alpha channel.
@@ -50,11 +52,16 @@ struct Avx2Lanes {
     static Mask Visible(Pixels pixels) {
         return _mm256_cmpgt_epi64(_mm256_srli_epi64(pixels, 48), _mm256_setzero_si256());
     }
+    /// Has no bits in the alpha of opaque pixels.
+    static Pixels NotOpaque(Pixels pixels) {
+        return _mm256_xor_si256(pixels, _mm256_set1_epi16(static_cast<short>(kFullScale)));
+    }
     static Pixels Union(Pixels a, Pixels b) { return _mm256_or_si256(a, b); }
     static bool Any(Mask mask) { return _mm256_testz_si256(mask, mask) == 0; }
     static bool All(Mask mask) { return _mm256_movemask_pd(_mm256_castsi256_pd(mask)) == 0xF; }
 
-    /// Truncates four channels of four pixels, to the low 16 bits of 32-bit integers.
+    /// Truncates four channels of four pixels, to the low 16 bits of 32-bit integers; green comes
+    /// times 2^16 and blue times 2^32, as RaisedColor gives them.
     ///
     ///      Pair     | 0 | 0 | g | r |   and   | 0 | 0 | a | b |
     ///      Pack     | a | b | g | r |
@@ -63,7 +70,8 @@ struct Avx2Lanes {
     /// conversion also raises an exception that a host may have unmasked. The values must fit in
     /// all lanes, also in those that are not stored.
     static Pixels Pack(Doubles r, Doubles g, Doubles b, Doubles a) {
-        return _mm256_or_si256(Pair(r, g), _mm256_slli_epi64(Pair(b, a), 32));
+        return _mm256_or_si256(Pair(r, g * Set(0x1p-16)),
+                               _mm256_slli_epi64(Pair(b * Set(0x1p-32), a), 32));
     }
 
     /// Stores the pixels in `mask`; streamed stores need an aligned `dst` and all pixels, others
@@ -79,36 +87,48 @@ struct Avx2Lanes {
         }
     }
 
-    /// Fetches pixels at four indices of a row, by a load and a permutation where the indices lie
-    /// so close together that the load cannot leave the row:
+    static Pixels Load(const RGBA16* pixels) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pixels));
+    }
+
+    struct Two {
+        Pixels low;
+        Pixels high;
+    };
+
+    /// a0 b0 a1 b1 ..., in two vectors.
+    static Two Interleave(Pixels a, Pixels b) {
+        const Pixels even = _mm256_unpacklo_epi64(a, b);  // a0 b0 a2 b2
+        const Pixels odd = _mm256_unpackhi_epi64(a, b);   // a1 b1 a3 b3
+        return {_mm256_permute2x128_si256(even, odd, 0x20),
+                _mm256_permute2x128_si256(even, odd, 0x31)};
+    }
+
+    /// Every second or every third pixel; all of the four times as many are read.
     ///
-    ///      row          | p0 | p1 | p2 | p3 |    four pixels from the first index on
-    ///      offsets        0    0    1    2       from the first index, ascending
-    ///      picked       | p0 | p0 | p1 | p2 |
-    ///
-    /// An index that is less than the first, or 4 and more beyond it, is an unsigned offset of 4
-    /// or more, with bits above the lowest two.
+    ///      pixels     | 0 | 1 | 2 | 3 |   | 4 | 5 | 6 | 7 |   | 8 | 9 | 10 | 11 |
+    ///      second     | 0 | 4 | 2 | 6 |       unpacked, then permuted
+    ///      third      | 0 | 9 | 6 | 3 |       blended, then permuted
+    template <int kStride>
+    static Pixels LoadEvery(const RGBA16* pixels) {
+        static_assert(kStride == 2 || kStride == 3);
+        if constexpr (kStride == 2) {
+            return _mm256_permute4x64_epi64(_mm256_unpacklo_epi64(Load(pixels), Load(pixels + 4)),
+                                            _MM_SHUFFLE(3, 1, 2, 0));
+        } else {
+            const Pixels early = _mm256_blend_epi32(Load(pixels), Load(pixels + 4), 0b0011'0000);
+            return _mm256_permute4x64_epi64(
+                _mm256_blend_epi32(early, Load(pixels + 8), 0b0000'1100), _MM_SHUFFLE(1, 2, 3, 0));
+        }
+    }
+
+    /// Fetches pixels at four ascending indices of a row one by one: faster than a gather on the
+    /// processors that lack AVX-512, and no slower between other work than PickOnce.
     class Picker {
       public:
-        Picker(const int32_t* indices, int32_t width) : indices_(indices) {
-            const __m128i all = _mm_loadu_si128(reinterpret_cast<const __m128i*>(indices));
-            const __m128i offsets = _mm_sub_epi32(all, _mm_set1_epi32(*indices));
-            const __m128i close = _mm_cmpeq_epi32(_mm_srli_epi32(offsets, 2), _mm_setzero_si128());
-            together_ = *indices <= width - 4 && _mm_movemask_epi8(close) == 0xFFFF;
-            // Only 32-bit lanes can be permuted: the pixel at offset n is the lanes 2n and 2n + 1,
-            // whose numbers stand in the two halves of the pixel's own lane.
-            const __m256i low = _mm256_slli_epi64(_mm256_cvtepu32_epi64(offsets), 1);
-            const __m256i high = _mm256_add_epi64(low, _mm256_set1_epi64x(1));
-            permutation_ = _mm256_or_si256(low, _mm256_slli_epi64(high, 32));
-        }
+        Picker(const int32_t* indices, int32_t /*width*/) : indices_(indices) {}
 
         Pixels Pick(const RGBA16* row) const {
-            if (together_) {
-                return _mm256_permutevar8x32_epi32(
-                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + *indices_)),
-                    permutation_);
-            }
-            // Faster than a gather on the processors that lack AVX-512.
             return _mm256_set_m128i(LoadTwo(row + indices_[2], row + indices_[3]),
                                     LoadTwo(row + indices_[0], row + indices_[1]));
         }
@@ -120,9 +140,27 @@ struct Avx2Lanes {
         }
 
         const int32_t* indices_;
-        Pixels permutation_;
-        bool together_;
     };
+
+    /// The same, by a load and a permutation where the indices lie so close together that the load
+    /// cannot leave the row:
+    ///
+    ///      row          | p0 | p1 | p2 | p3 |    four pixels from the first index on
+    ///      offsets        0    0    1    2       from the first index, ascending
+    ///      picked       | p0 | p0 | p1 | p2 |
+    static Pixels PickOnce(const RGBA16* row, const int32_t* indices, int32_t width) {
+        if (indices[3] - *indices >= 4 || *indices > width - 4) {
+            return Picker(indices, width).Pick(row);
+        }
+        const __m128i all = _mm_loadu_si128(reinterpret_cast<const __m128i*>(indices));
+        const __m128i offsets = _mm_sub_epi32(all, _mm_set1_epi32(*indices));
+        // Only 32-bit lanes can be permuted: the pixel at offset n is the lanes 2n and 2n + 1,
+        // whose numbers stand in the two halves of the pixel's own lane.
+        const __m256i low = _mm256_slli_epi64(_mm256_cvtepu32_epi64(offsets), 1);
+        const __m256i high = _mm256_add_epi64(low, _mm256_set1_epi64x(1));
+        return _mm256_permutevar8x32_epi32(Load(row + *indices),
+                                           _mm256_or_si256(low, _mm256_slli_epi64(high, 32)));
+    }
 
   private:
     /// Makes integers the low end of doubles from 2^52 on.

@@ -21,6 +21,7 @@ struct Avx512Lanes {
 
     static Doubles Set(double value) { return _mm512_set1_pd(value); }
     static Doubles Load(const double* values) { return _mm512_loadu_pd(values); }
+    static void Store(double* values, Doubles doubles) { _mm512_storeu_pd(values, doubles); }
     static Doubles MultiplyAdd(Doubles a, Doubles b, Doubles c) { return _mm512_fmadd_pd(a, b, c); }
     static Doubles MultiplySubtract(Doubles a, Doubles b, Doubles c) {
         return _mm512_fmsub_pd(a, b, c);
@@ -50,20 +51,27 @@ struct Avx512Lanes {
     static Mask Visible(Pixels pixels) {
         return _mm512_test_epi64_mask(pixels, _mm512_set1_epi64(static_cast<long long>(kAlpha)));
     }
+    /// Has no bits in the alpha of opaque pixels.
+    static Pixels NotOpaque(Pixels pixels) {
+        return _mm512_xor_si512(pixels, _mm512_set1_epi16(static_cast<short>(kFullScale)));
+    }
     static Pixels Union(Pixels a, Pixels b) { return _mm512_or_si512(a, b); }
     static bool Any(Mask mask) { return mask != 0; }
     static bool All(Mask mask) { return mask == 0xFF; }
 
-    /// Truncates four channels of eight pixels, to the low 16 bits of 32-bit integers.
-    ///
-    ///      Pair     | 0 | 0 | g | r |   and   | 0 | 0 | a | b |
-    ///      Pack     | a | b | g | r |
-    ///
-    /// Whatever does not fit 32 bits would become 0x8000'0000 and thus, by its low bits, 0; but the
-    /// conversion also raises an exception that a host may have unmasked. The values must fit in
-    /// all lanes, also in those that are not stored.
+    /// Truncates four channels of eight pixels, each to 16 bits; green comes times 2^16 and blue
+    /// times 2^32, as RaisedColor gives them, so that the bits of either stand where they belong,
+    /// over those of its fraction. The values, without that factor, must not be negative and fit 31
+    /// bits in all lanes, also in those that are not stored: what fits no 64-bit integer raises an
+    /// exception that a host may have unmasked.
     static Pixels Pack(Doubles r, Doubles g, Doubles b, Doubles a) {
-        return _mm512_or_si512(Pair(r, g), _mm512_slli_epi64(Pair(b, a), 32));
+        const auto merge = [](long long low, Pixels lower, Pixels upper) {
+            return _mm512_ternarylogic_epi64(_mm512_set1_epi64(low), lower, upper, 0xCA);
+        };
+        const Pixels alpha = _mm512_slli_epi64(_mm512_cvttpd_epi64(a), 48);
+        const Pixels redGreen = merge(0xFFFF, _mm512_cvttpd_epi64(r), _mm512_cvttpd_epi64(g));
+        const Pixels blueAlpha = merge(0xFFFF'FFFF'FFFF, _mm512_cvttpd_epi64(b), alpha);
+        return merge(0xFFFF'FFFF, redGreen, blueAlpha);
     }
 
     /// Stores the pixels in `mask`; streamed stores need an aligned `dst` and all pixels, others
@@ -78,50 +86,79 @@ struct Avx512Lanes {
         }
     }
 
-    /// Fetches pixels at eight indices of a row, by loads and a permutation where the indices lie
-    /// so close together that no load can leave the row (see Avx2Lanes). One load reaches 8 pixels;
-    /// a permutation takes from two registers, so two reach 16; four are two such halves, of which
-    /// bit 4 of the offset chooses, since permutations look at the bits below only.
+    static Pixels Load(const RGBA16* pixels) { return _mm512_loadu_si512(pixels); }
+
+    struct Two {
+        Pixels low;
+        Pixels high;
+    };
+
+    /// a0 b0 a1 b1 ..., in two vectors.
+    static Two Interleave(Pixels a, Pixels b) {
+        const Pixels low = _mm512_setr_epi64(0, 8, 1, 9, 2, 10, 3, 11);
+        const Pixels high = _mm512_add_epi64(low, _mm512_set1_epi64(4));
+        return {_mm512_permutex2var_epi64(a, low, b), _mm512_permutex2var_epi64(a, high, b)};
+    }
+
+    /// Every second or every third pixel; all of the eight times as many are read.
+    template <int kStride>
+    static Pixels LoadEvery(const RGBA16* pixels) {
+        static_assert(kStride == 2 || kStride == 3);
+        const Pixels steps = _mm512_setr_epi64(0, 1, 2, 3, 4, 5, 6, 7);
+        const Pixels offsets = kStride == 2 ? _mm512_add_epi64(steps, steps)
+                                            : _mm512_mullo_epi64(steps, _mm512_set1_epi64(3));
+        const Pixels early = _mm512_permutex2var_epi64(Load(pixels), offsets, Load(pixels + 8));
+        // The last two of every third are the third register's, by the low bits of the offsets.
+        return kStride == 2
+                   ? early
+                   : _mm512_mask_permutexvar_epi64(early, 0xC0, offsets, Load(pixels + 16));
+    }
+
+    /// Fetches pixels at eight ascending indices of a row, by loads and a permutation where the
+    /// indices lie so close together that no load can leave the row (see Avx2Lanes). One load
+    /// reaches 8 pixels; a permutation takes from two registers, so two reach 16; four are two such
+    /// halves, of which bit 4 of the offset chooses, since permutations look at the bits below
+    /// only.
     class Picker {
       public:
         Picker(const int32_t* indices, int32_t width)
             : indices_(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(indices))),
-              first_(*indices) {
-            const __m256i offsets = _mm256_sub_epi32(indices_, _mm256_set1_epi32(first_));
-            const auto beyond = [&](int count) {
-                return first_ > width - count ||
-                       _mm256_cmpge_epu32_mask(offsets, _mm256_set1_epi32(count)) != 0;
-            };
-            loads_ = !beyond(8) ? 1 : !beyond(16) ? 2 : !beyond(32) ? 4 : 0;
-            offsets_ = _mm512_cvtepu32_epi64(offsets);
-        }
+              first_(*indices),
+              reach_(indices[7] - first_),
+              room_(width - first_) {}
 
         Pixels Pick(const RGBA16* row) const {
-            if (loads_ == 1) {
-                return _mm512_permutexvar_epi64(offsets_, _mm512_loadu_si512(row + first_));
+            const RGBA16* pixels = row + first_;
+            const Pixels offsets =
+                _mm512_cvtepu32_epi64(_mm256_sub_epi32(indices_, _mm256_set1_epi32(first_)));
+            if (reach_ < 8 && room_ >= 8) {
+                return _mm512_permutexvar_epi64(offsets, Load(pixels));
             }
-            if (loads_ == 2) {
-                return PickOfSixteen(row + first_);
+            if (reach_ < 16 && room_ >= 16) {
+                return PickOfSixteen(pixels, offsets);
             }
-            if (loads_ == 4) {
-                const Mask late = _mm512_test_epi64_mask(offsets_, _mm512_set1_epi64(16));
-                return _mm512_mask_blend_epi64(late, PickOfSixteen(row + first_),
-                                               PickOfSixteen(row + first_ + 16));
+            if (reach_ < 32 && room_ >= 32) {
+                const Mask late = _mm512_test_epi64_mask(offsets, _mm512_set1_epi64(16));
+                return _mm512_mask_blend_epi64(late, PickOfSixteen(pixels, offsets),
+                                               PickOfSixteen(pixels + 16, offsets));
             }
             return _mm512_i32gather_epi64(indices_, row, sizeof(RGBA16));
         }
 
       private:
-        Pixels PickOfSixteen(const RGBA16* pixels) const {
-            return _mm512_permutex2var_epi64(_mm512_loadu_si512(pixels), offsets_,
-                                             _mm512_loadu_si512(pixels + 8));
+        static Pixels PickOfSixteen(const RGBA16* pixels, Pixels offsets) {
+            return _mm512_permutex2var_epi64(Load(pixels), offsets, Load(pixels + 8));
         }
 
         __m256i indices_;
-        Pixels offsets_;
         int32_t first_;
-        int loads_;
+        int32_t reach_;
+        int32_t room_;
     };
+
+    static Pixels PickOnce(const RGBA16* row, const int32_t* indices, int32_t width) {
+        return Picker(indices, width).Pick(row);
+    }
 
   private:
     /// The bits in `mask` as the low end of a double from 2^52 on.
@@ -131,12 +168,6 @@ struct Avx512Lanes {
     }
 
     static constexpr uint64_t kAlpha = 0xFFFF'0000'0000'0000;
-
-    static Pixels Pair(Doubles low, Doubles high) {
-        const __m256i lows = _mm512_cvttpd_epi32(low);
-        const __m256i highs = _mm256_slli_epi32(_mm512_cvttpd_epi32(high), 16);
-        return _mm512_cvtepu32_epi64(_mm256_blend_epi16(lows, highs, 0xAA));
-    }
 };
 
 }  // namespace

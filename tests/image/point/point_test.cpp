@@ -53,8 +53,14 @@ void ForEachKernel(const std::function<void(const Kernel& kernel)>& test) {
     }
     for (const Channel channel : {Channel::R, Channel::G, Channel::B, Channel::A}) {
         for (const uint32_t percent : {0U, 1U, 99U, 100U, 40000U, 0x8000'0000U, ~0U}) {
-            run("replace", percent, [=](RGBA16* dst, const RGBA16* src, size_t count) {
-                ReplaceChannel(dst, src, count, channel, percent);
+            run("take and join", percent, [=](RGBA16* dst, const RGBA16* src, size_t count) {
+                std::vector<uint16_t> taken(count + 1, 0xDEAD);
+                std::vector<uint16_t> whole(count);
+                TakeChannel(taken.data(), src, count, channel, percent);
+                TakeChannel(whole.data(), src, count, Channel::R, 100);
+                ASSERT_EQ(taken.back(), 0xDEAD) << "written behind the end";
+                const Store store = percent == 1 ? Store::Streaming : Store::Cached;
+                JoinChannels(dst, {whole.data(), taken.data(), &taken[1]}, src, count, store);
             });
         }
     }
