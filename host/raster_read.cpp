@@ -97,7 +97,11 @@ struct OpenedFile {
 
 OpenedFile Open(const RasterInput& input, const char* wantedLoader,
                 std::vector<std::string>& notes) {
+    const int impossibleBefore = ImpossibleSides();
     const std::optional<VImage> image = ImageIn(input, wantedLoader);
+    if (ImpossibleSides() != impossibleBefore) {
+        throw vips::VError("its width or height is 0 or far too large");
+    }
     if (!image && wantedLoader != nullptr) {
         throw vips::VError("it is of another format");
     }

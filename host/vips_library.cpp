@@ -1,6 +1,11 @@
 #include "host/vips_library.h"
 
 namespace imgbasic::host {
+namespace {
+
+thread_local int impossibleSides = 0;
+
+}  // namespace
 
 void StartVips() {
     static const bool started = [] {
@@ -10,6 +15,12 @@ void StartVips() {
         g_log_set_handler(
             "VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_RECURSION),
             [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+        // An image's sides are properties with a range, and a warning is all that leaving it
+        // brings.
+        g_log_set_handler(
+            "GLib-GObject", G_LOG_LEVEL_WARNING,
+            [](const gchar*, GLogLevelFlags, const gchar*, gpointer) { ++impossibleSides; },
+            nullptr);
         // A file that is read again may have changed.
         vips_cache_set_max(0);
         return true;
@@ -19,6 +30,10 @@ void StartVips() {
 
 void StartCodecs() {
     StartVips();
+}
+
+int ImpossibleSides() {
+    return impossibleSides;
 }
 
 std::string LastLine(const vips::VError& error) {

@@ -10,6 +10,10 @@ namespace imgbasic::host {
 /// Starts libvips, silent: what matters comes back as an error. Throws FileError.
 void StartVips();
 
+/// How often this thread has opened an image with a side that none has, such as 0. libvips goes on
+/// with a side of its own choice then.
+int ImpossibleSides();
+
 /// What libvips complained about last, in one line; its buffer is empty then.
 std::string LastLine(const vips::VError& error);
 

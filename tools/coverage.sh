@@ -1,6 +1,6 @@
 # ./dev coverage, run by it: which lines of lib/, plugin/ and host/ the tests reach on Linux and,
-# under Wine, on Windows; a line that one of the two reaches is covered. docs/testing.md says why
-# the others are not. What no test reaches is listed in build/coverage/lines.txt.
+# under Wine, on Windows; a line that one of the two reaches is covered. What no test reaches is
+# listed in build/coverage/lines.txt.
 install_packages "${test_packages[@]}" gcovr
 rm -rf build/coverage
 mkdir -p build/coverage

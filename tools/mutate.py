@@ -9,6 +9,7 @@ when its text is not found exactly once.
 import filecmp
 import os
 import re
+import resource
 import shutil
 import subprocess
 import sys
@@ -18,7 +19,9 @@ import tomllib
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 TREE = os.path.join(ROOT, "build", "mutate")
 BUILD = os.path.join(TREE, "build", "native")
-LONGEST_RUN = 300  # seconds; a fault may make a program hang
+# A fault may make a program hang; on a busy machine a sound one takes long.
+LONGEST_RUN = 300  # seconds of processor time
+LONGEST_WAIT = 3600  # seconds
 
 
 def copy_tree():
@@ -42,12 +45,17 @@ def build(target):
         raise RuntimeError("does not compile:\n" + done.stdout[-2000:])
 
 
+def limit_processor_time():
+    resource.setrlimit(resource.RLIMIT_CPU, (LONGEST_RUN, LONGEST_RUN))
+
+
 def run(program, test_filter="*"):
     """The tests that failed, or how else the program ended; empty when it passed."""
     command = [os.path.join(BUILD, "bin", program), "--gtest_brief=1",
                "--gtest_fail_fast", "--gtest_filter=" + test_filter]
     try:
-        done = subprocess.run(command, capture_output=True, timeout=LONGEST_RUN)
+        done = subprocess.run(command, capture_output=True, timeout=LONGEST_WAIT,
+                              preexec_fn=limit_processor_time)
     except subprocess.TimeoutExpired:
         return "no end"
     output = done.stdout.decode(errors="replace")

@@ -36,8 +36,8 @@ bool ReduceColorImageProcess::BuildSharedPalette(const ExecuteArgs& args) {
     if (rect.IsEmpty()) {
         return true;
     }
-    ColorRows rows(args.src, width, rect);
     sharedPalette_.reset();
+    ColorRows rows(args.src, width, rect);
     auto palette = std::make_unique<ReducePalette>();
     if (!ChoosePalette(*palette, rows)) {
         return false;

@@ -87,6 +87,7 @@ TEST_F(ImageFile, BadFilesAreNamedWithTheirFault) {
     using namespace std::string_literals;
     WriteBytes("empty.png", "");
     WriteBytes("text.png", "no picture at all");
+    WriteBytes("nothing.ppm", "P6 0 1 255\n\1\2\3");
     std::filesystem::create_directory(Path("folder.png"));
     // A million pixels a side.
     WriteBytes("huge.png",
@@ -99,6 +100,7 @@ TEST_F(ImageFile, BadFilesAreNamedWithTheirFault) {
     for (const Case& c : {Case{"missing.png", "No such file"},
                           {"empty.png", "no image"},
                           {"text.png", "no image"},
+                          {"nothing.ppm", "width or height is 0"},
                           {"folder.png", "is a folder"},
                           {"huge.png", "14901.2 GiB"}}) {
         EXPECT_THAT(LoadError(c.name), AllOf(HasSubstr(c.name), HasSubstr(c.fault)));

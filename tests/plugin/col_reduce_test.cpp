@@ -1,8 +1,10 @@
 #include "plugin/imgbasic/col_reduce.h"
 
+#include <new>
 #include <utility>
 
 #include "tests/image/kernel_test.h"
+#include "tests/image/scarce_memory.h"
 #include "tests/plugin/filter_run.h"
 
 namespace imgbasic {
@@ -27,6 +29,22 @@ TEST(ColReduce, CarriesAChannelThatRoundsTo256) {
         EXPECT_TRUE(run.process.Execute(run.Args(0, -1, &kImage)));
         EXPECT_EQ(run.dst[0], to);
     }
+}
+
+TEST(ColReduce, ForgetsTheSharedPaletteWhenTheNextCannotBeBuilt) {
+    constexpr RECT kImage{0, 0, 1, 1};
+    constexpr RGBA16 kOther{0x5500, 0x6600, 0x7700, kFullScale};
+    FilterRun<ReduceColorImageProcess> run(1, 1, {{0x1100, 0x2200, 0x3300, kFullScale}}, {});
+    run.process.TargetType = AllLayers;
+    run.process.SharePalette = true;
+    EXPECT_TRUE(run.process.Execute(run.Args(0, -1, &kImage)));
+    {
+        const ScopedAllocationLimit none(0);
+        EXPECT_THROW(run.process.Execute(run.Args(0, -1, &kImage)), std::bad_alloc);
+    }
+    run.src = {kOther};
+    EXPECT_TRUE(run.process.Execute(run.Args(1, -1, &kImage)));
+    EXPECT_EQ(run.dst[0], kOther);
 }
 
 TEST(ColReduce, NeedsTheMergedImageThatItIsAimedAt) {

@@ -61,6 +61,7 @@ TEST_F(Settings, ApplyTheirRulesOnlyWhenAnythingIsStored) {
     Store("scaling", "RatioSize=1");
     LoadSettings(scaling);
     EXPECT_EQ(scaling.InterType, 7) << "what is missing is not corrected";
+    EXPECT_TRUE(scaling.ChangeBrush) << "and a missing switch is not off";
 }
 
 TEST_F(Settings, IgnoreTextsInPlaceOfNumbers) {

@@ -8,6 +8,7 @@
 
 #include "lib/base/zeroed_block.h"
 #include "lib/image/dither/map_to_indexed.h"
+#include "lib/image/palette/median_cut.h"
 #include "lib/image/palette/quantize_palette.h"
 #include "lib/image/reduce/quantize_graduated.h"
 #include "lib/image/simd/simd.h"
@@ -100,6 +101,14 @@ TEST(Reduce, KeepsFewColorsInOrderOfFirstAppearance) {
     const auto indexed = ReduceBitmap(bitmap.get(), -3, LargeDiffusion, false);
     EXPECT_EQ(IndicesOf(*indexed), (Indices{0, 1, 0, 2, 1, 0}));
     EXPECT_EQ(indexed->Palette()[2], 0x80000001);
+}
+
+// A part at an end needs a thirty-second of the pixels in the last of four passes.
+TEST(Reduce, CutsWhatIsRareInTheFourthPassOrNot) {
+    for (const auto& [rare, boxes] : {std::pair(40U, 2U), std::pair(20U, 1U)}) {
+        std::vector<CoarseColor> colors{{{9, 9, 9, 31}, 0, 1000}, {{9, 9, 8, 31}, 0, rare}};
+        EXPECT_EQ(DivideIntoBoxes(colors, 32).boxes.size(), boxes) << rare << " of 1000";
+    }
 }
 
 TEST(Reduce, DithersAsWorkedOut) {
