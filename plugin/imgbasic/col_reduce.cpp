@@ -36,8 +36,8 @@ bool ReduceColorImageProcess::BuildSharedPalette(const ExecuteArgs& args) {
     if (rect.IsEmpty()) {
         return true;
     }
-    sharedPalette_.reset();
     ColorRows rows(args.src, width, rect);
+    sharedPalette_.reset();
     auto palette = std::make_unique<ReducePalette>();
     if (!ChoosePalette(*palette, rows)) {
         return false;

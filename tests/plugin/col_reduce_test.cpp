@@ -39,7 +39,7 @@ TEST(ColReduce, ForgetsTheSharedPaletteWhenTheNextCannotBeBuilt) {
     run.process.SharePalette = true;
     EXPECT_TRUE(run.process.Execute(run.Args(0, -1, &kImage)));
     {
-        const ScopedAllocationLimit none(0);
+        const ScopedAllocationLimit onlyForTheRow(1);
         EXPECT_THROW(run.process.Execute(run.Args(0, -1, &kImage)), std::bad_alloc);
     }
     run.src = {kOther};
