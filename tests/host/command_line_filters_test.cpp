@@ -89,6 +89,32 @@ TEST_F(CommandLine, ARunInStripsIsTheRunOfTheWhole) {
     }
 }
 
+TEST_F(CommandLine, FilteringAFileWhileItIsReadIsFilteringItRead) {
+    auto turned = std::make_shared<FileMetadata>();
+    turned->exif = MetadataBytes({"II*\0\x8\0\0\0\x1\0\x12\x1\x3\0\x1\0\0\0\x6\0\0\0\0\0\0\0", 26});
+    for (const bool isGray : {false, true}) {
+        std::vector<RGBA16> pixels = RandomDocuments(6).Pixels(size_t{211} * 50, 8);
+        for (RGBA16& pixel : pixels) {
+            pixel = isGray ? RGBA16{pixel.r, pixel.r, pixel.r, kFullScale}
+                           : RGBA16{pixel.r, pixel.g, pixel.b, kFullScale};
+        }
+        Document document = OneLayer(211, 50, 8, pixels);
+        SaveDocument(document, Path(isGray ? "gray.png" : "rgb.png"), {});
+        document.metadata = turned;
+        SaveDocument(document, Path(isGray ? "turned_gray.jpg" : "turned.jpg"), {});
+    }
+    // What comes through a pipe is read to its end first.
+    const Result result =
+        Run("for f in gray.png rgb.png turned_gray.jpg turned.jpg; do for o in png jpg; do "
+            "imgbasic gray $f -o 1$f.$o --method ntsc && imgbasic gray - -o 2$f.$o --method ntsc "
+            "<$f && cmp 1$f.$o 2$f.$o && imgbasic run nega mono -- $f -o 3$f.$o && "
+            "imgbasic run nega mono -- - -o 4$f.$o <$f && cmp 3$f.$o 4$f.$o || exit 1; done; done; "
+            "imgbasic info 1turned.jpg.png; imgbasic nega gray.png -o n.png --verbose");
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+    EXPECT_THAT(result.out, HasSubstr("1turned.jpg.png: 50 x 211 pixels"));
+    EXPECT_THAT(result.err, HasSubstr("gray.png: nega, 211 x 50 pixels, "));
+}
+
 TEST_F(CommandLine, RunsSeveralStepsAsSeveralCommandsWould) {
     const auto pixels = RandomDocuments(1).Pixels(200 * 100, 16);
     SaveDocument(OneLayer(200, 100, 16, pixels), Path("in.png"), {});
