@@ -50,7 +50,7 @@ struct RasterInput {
 /// Decodes a flat file of a format that its content tells, turned upright and as sRGB or what its
 /// own profile says, with alpha; of several pages the first. `notes` get what cannot be kept as
 /// the file means it. Throws FileError, also when a part is missing, and, before it takes memory,
-/// when the memory does not suffice for the picture and one more of its size.
+/// when that does not suffice for the picture.
 Picture ReadRaster(const RasterInput& input, std::vector<std::string>& notes);
 
 /// Reads the header only.

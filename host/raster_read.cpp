@@ -237,7 +237,9 @@ Picture Decode(const RasterInput& input, const char* wantedLoader, const StripCh
                std::vector<std::string>& notes) {
     const OpenedFile file = Open(input, wantedLoader, notes);
     const RasterHeader& header = file.header;
-    RequireMemory(input.name, header.width, header.height, 1);
+    RequireMemory(
+        input.name, header.width, header.height,
+        PictureBytes(header.width, header.height, change ? sizeof(RGB8) : sizeof(RGBA16)));
     const VImage image = InKnownColors(file.image, input.name, notes);
     Picture picture{header.width, header.height, image.format() == VIPS_FORMAT_UCHAR ? 8 : 16, {}};
     if (change) {

@@ -223,7 +223,9 @@ Picture Decode(const RasterInput& input, const GUID* wantedFormat,
                std::vector<std::string>& notes) {
     const OpenedFile file = Open(input, wantedFormat, notes);
     const RasterHeader& header = file.header;
-    RequireMemory(input.name, header.width, header.height, 1);
+    // Once for the file and once for what becomes of it.
+    RequireMemory(input.name, header.width, header.height,
+                  2 * PictureBytes(header.width, header.height));
     Picture picture{header.width, header.height, header.bitDepth, PixelsOf(file)};
     auto metadata = std::make_shared<FileMetadata>(*header.metadata);
     if (picture.bitDepth == 16) {

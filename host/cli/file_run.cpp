@@ -13,6 +13,7 @@
 #include "host/cli/strip_run.h"
 #include "host/file_metadata.h"
 #include "host/layer_run.h"
+#include "host/memory_limit.h"
 #include "host/openraster.h"
 #include "host/raster_strips.h"
 #include "host/sample_depth.h"
@@ -106,7 +107,7 @@ void FileRun::RunWhileReading() {
     outline.items.emplace_back(Layer{});
     std::vector<RunRequest> requests;
     for (size_t index = 0; index < steps.size(); ++index) {
-        requests.push_back(RequestFor(steps[index], outline, name, plan_.batches[index].get()));
+        requests.push_back(RequestFor(steps[index], outline, plan_.batches[index].get()));
     }
     std::vector<double> milliseconds(steps.size());
     const auto change = [&](std::vector<RGBA16>& rows, int32_t width) {
@@ -160,14 +161,18 @@ Document FileRun::Load() {
 Document FileRun::RunStep(size_t index, Document document) try {
     const FilterCommand& step = plan_.command.steps[index];
     CheckLosses(step, document);
-    const std::string name = InputName(job_.input) + ": " + StepName(plan_.command.steps, index);
-    const RunRequest request =
-        RequestFor(step, document, name.substr(0, name.size() - 2), plan_.batches[index].get());
+    const RunRequest request = RequestFor(step, document, plan_.batches[index].get());
+    const bool inStrips = CanRunInStrips(document, request);
+    if (!inStrips) {
+        const auto [width, height] = SizeAfter(step, document);
+        RequireMemory(InputName(job_.input), width, height,
+                      BytesForRun(step.filter, document, width, height));
+    }
     const bool compares = files_.verbose && step.filter == "col_reduce";
     const Document source = compares ? document : Document{};
     const std::string sizeBefore = SizeText(document);
     const auto start = std::chrono::steady_clock::now();
-    RunOutcome outcome = CanRunInStrips(document, request)
+    RunOutcome outcome = inStrips
                              ? RunInStrips(plan_.module, std::move(document), request)
                              : RunFilterInUsersLanguage(plan_.module, std::move(document), request);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;

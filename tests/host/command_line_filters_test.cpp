@@ -2,6 +2,7 @@
 
 #include "host/driver.h"
 #include "host/file_metadata.h"
+#include "host/memory_limit.h"
 
 namespace imgbasic::host {
 namespace {
@@ -113,6 +114,29 @@ TEST_F(CommandLine, FilteringAFileWhileItIsReadIsFilteringItRead) {
     EXPECT_EQ(result.status, 0) << result.out << result.err;
     EXPECT_THAT(result.out, HasSubstr("1turned.jpg.png: 50 x 211 pixels"));
     EXPECT_THAT(result.err, HasSubstr("gray.png: nega, 211 x 50 pixels, "));
+}
+
+TEST_F(CommandLine, RefusesAPictureByTheMemoryThatARunTakes) {
+    WriteBytes("huge.ppm", "P6 1000000 1000000 255\n");
+    // 3 bytes a pixel where the file is filtered while it is read, 8 elsewhere.
+    const struct {
+        const char* arguments;
+        const char* need;
+    } cases[] = {{"nega huge.ppm -o x.jpg", "need 2794.0 GiB"},
+                 {"nega huge.ppm -o x.png --depth 16", "need 7450.6 GiB"},
+                 {"col_reduce huge.ppm -o x.png", "need 7450.6 GiB"}};
+    for (const auto& test : cases) {
+        const Result result = Run(std::string("imgbasic ") + test.arguments);
+        EXPECT_EQ(result.status, 1) << test.arguments;
+        EXPECT_THAT(result.err, HasSubstr(test.need)) << test.arguments;
+    }
+    Document document = OneLayer(2, 2, 8, std::vector<RGBA16>(4));
+    EXPECT_EQ(BytesForRun("col_reduce", document, 2, 2), 32);
+    EXPECT_EQ(BytesForRun("scaling", document, 20, 10), 1600);
+    document.items.push_back(document.items.front());
+    EXPECT_EQ(BytesForRun("scaling", document, 20, 10), 3200 + 32) << "and the merged picture";
+    EXPECT_THROW(RequireMemory("x", 2, 2, 1e18), FileError);
+    EXPECT_NO_THROW(RequireMemory("x", 2, 2, 1));
 }
 
 TEST_F(CommandLine, RunsSeveralStepsAsSeveralCommandsWould) {
