@@ -100,7 +100,7 @@ TEST_F(ImageFile, BadFilesAreNamedWithTheirFault) {
                           {"empty.png", "no image"},
                           {"text.png", "no image"},
                           {"folder.png", "is a folder"},
-                          {"huge.png", "14901.2 GiB"}}) {
+                          {"huge.png", "7450.6 GiB"}}) {
         EXPECT_THAT(LoadError(c.name), AllOf(HasSubstr(c.name), HasSubstr(c.fault)));
     }
 }
