@@ -1,6 +1,7 @@
 #include "host/document.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace imgbasic::host {
 
@@ -22,6 +23,15 @@ const Layer* WholePicture(const Document& document) {
 }
 
 bool IsOpaque(std::span<const RGBA16> pixels, uint16_t leastAlpha) {
+    // Whole pixels joined bit by bit make faster code than a look at each alpha; no alpha is less
+    // than what it has in common with the others. That mostly settles it.
+    uint64_t common = ~uint64_t{0};
+    for (const RGBA16& pixel : pixels) {
+        common &= std::bit_cast<uint64_t>(pixel);
+    }
+    if (std::bit_cast<RGBA16>(common).a >= leastAlpha) {
+        return true;
+    }
     bool isOpaque = true;
     for (const RGBA16& pixel : pixels) {
         isOpaque &= pixel.a >= leastAlpha;

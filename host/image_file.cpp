@@ -116,8 +116,8 @@ Document DocumentOf(Picture picture, const std::string& layerName) {
 }
 
 /// The document's picture, without a copy where it is a single layer's.
-Picture PictureOf(Document document, int bitDepth) {
-    Picture picture{document.width, document.height, bitDepth, {}, document.metadata};
+Picture PictureOf(Document document) {
+    Picture picture{document.width, document.height, document.bitDepth, {}, document.metadata};
     const bool isLayer = WholePicture(document) != nullptr;
     picture.pixels =
         isLayer ? std::move(std::get<Layer>(document.items.front()).pixels) : Flatten(document);
@@ -135,20 +135,37 @@ std::shared_ptr<const FileMetadata> Stripped(const FileMetadata* metadata) {
     return stripped;
 }
 
-std::vector<std::byte> Encode(Document document, FileFormat format, const std::string& name,
+std::vector<std::byte> Encode(Picture picture, FileFormat format, const std::string& name,
                               const SaveOptions& options, std::vector<std::string>& notes) {
-    const int depth = options.bitDepth != 0 ? options.bitDepth : document.bitDepth;
     if (options.encode.indexed && format != RasterFormat::Png) {
         throw FileError(name + ": only a PNG has a palette here; use .png");
     }
-    if (format == kOpenRaster) {
-        return EncodeOpenRaster(document, depth, name);
+    if (options.bitDepth != 0) {
+        picture.bitDepth = options.bitDepth;
     }
     if (options.strip) {
-        document.metadata = Stripped(document.metadata.get());
+        picture.metadata = Stripped(picture.metadata.get());
     }
-    return EncodeRaster(PictureOf(std::move(document), depth), *format, name, notes,
-                        options.encode);
+    return EncodeRaster(picture, format.value(), name, notes, options.encode);
+}
+
+std::vector<std::byte> Encode(Document document, FileFormat format, const std::string& name,
+                              const SaveOptions& options, std::vector<std::string>& notes) {
+    if (format == kOpenRaster && !options.encode.indexed) {
+        const int depth = options.bitDepth != 0 ? options.bitDepth : document.bitDepth;
+        return EncodeOpenRaster(document, depth, name);
+    }
+    return Encode(PictureOf(std::move(document)), format, name, options, notes);
+}
+
+template <typename Image>
+std::vector<std::string> Save(Image image, const std::filesystem::path& path,
+                              const SaveOptions& options) {
+    const FileFormat format = FormatOf(path);
+    AtomicFile file(path, options.overwrite);
+    std::vector<std::string> notes;
+    file.Commit(Encode(std::move(image), format, path.string(), options, notes));
+    return notes;
 }
 
 /// Reads what can be read only once, to its end.
@@ -218,17 +235,24 @@ Document LoadDocument(std::span<const std::byte> bytes, const std::string& name,
 
 std::vector<std::string> SaveDocument(Document document, const std::filesystem::path& path,
                                       const SaveOptions& options) {
-    const FileFormat format = FormatOf(path);
-    AtomicFile file(path, options.overwrite);
-    std::vector<std::string> notes;
-    file.Commit(Encode(std::move(document), format, path.string(), options, notes));
-    return notes;
+    return Save(std::move(document), path, options);
+}
+
+std::vector<std::string> SaveDocument(Picture picture, const std::filesystem::path& path,
+                                      const SaveOptions& options) {
+    return Save(std::move(picture), path, options);
 }
 
 std::vector<std::byte> EncodeDocument(Document document, const std::string& extension,
                                       const std::string& name, const SaveOptions& options,
                                       std::vector<std::string>& notes) {
     return Encode(std::move(document), FormatOf("x" + extension), name, options, notes);
+}
+
+std::vector<std::byte> EncodeDocument(Picture picture, const std::string& extension,
+                                      const std::string& name, const SaveOptions& options,
+                                      std::vector<std::string>& notes) {
+    return Encode(std::move(picture), FormatOf("x" + extension), name, options, notes);
 }
 
 std::optional<RasterHeader> ReadHeader(const std::filesystem::path& path,

@@ -78,8 +78,15 @@ struct SaveOptions {
 std::vector<std::string> SaveDocument(Document document, const std::filesystem::path& path,
                                       const SaveOptions& options);
 
+/// The same for a picture without layers, which OpenRaster is no format for.
+std::vector<std::string> SaveDocument(Picture picture, const std::filesystem::path& path,
+                                      const SaveOptions& options);
+
 /// The same into memory, `extension` such as ".png"; `name` names it in errors and notes.
 std::vector<std::byte> EncodeDocument(Document document, const std::string& extension,
+                                      const std::string& name, const SaveOptions& options,
+                                      std::vector<std::string>& notes);
+std::vector<std::byte> EncodeDocument(Picture picture, const std::string& extension,
                                       const std::string& name, const SaveOptions& options,
                                       std::vector<std::string>& notes);
 

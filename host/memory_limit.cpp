@@ -42,19 +42,28 @@ double AvailableMemory() {
 
 }  // namespace
 
-void RequireMemory(const std::string& file, int64_t width, int64_t height, size_t layers) {
-    const double needed = static_cast<double>(width) * static_cast<double>(height) *
-                          static_cast<double>(layers + 1) * sizeof(RGBA16);
+double BytesForRun(const std::string& filter, const Document& document, int32_t width,
+                   int32_t height) {
+    const size_t made = filter == "scaling"       ? CountLayers(document.items)
+                        : filter == "chan_decomp" ? 4
+                        : filter == "chan_merge"  ? 2
+                                                  : 1;
+    const bool composes = WholePicture(document) == nullptr;
+    return static_cast<double>(made) * PictureBytes(width, height) +
+           (composes ? PictureBytes(document.width, document.height) : 0);
+}
+
+void RequireMemory(const std::string& file, int64_t width, int64_t height, double bytes) {
     const double available = AvailableMemory();
-    if (needed <= available) {
+    if (bytes <= available) {
         return;
     }
     constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
     char sizes[160];
     std::snprintf(sizes, sizeof sizes,
-                  "%lld x %lld pixels in %zu layer%s need %.1f GiB of memory and %.1f GiB are free",
-                  static_cast<long long>(width), static_cast<long long>(height), layers,
-                  layers == 1 ? "" : "s", needed / kGibibyte, available / kGibibyte);
+                  "%lld x %lld pixels need %.1f GiB of memory and %.1f GiB are free",
+                  static_cast<long long>(width), static_cast<long long>(height), bytes / kGibibyte,
+                  available / kGibibyte);
     throw FileError(file + ": " + sizes + "; make the image smaller first");
 }
 

@@ -71,7 +71,9 @@ class Reader {
             Fail("has no layers; open it in a paint program and save it with one");
         }
         if (detail_ == Detail::Everything) {
-            RequireMemory(name_, source_->width, source_->height, layers);
+            RequireMemory(
+                name_, source_->width, source_->height,
+                static_cast<double>(layers) * PictureBytes(source_->width, source_->height));
         }
         Document document{source_->width, source_->height, 8, ReadItems(stack, 0)};
         const std::string_view depth = image.attribute(kOpenRasterDepthAttribute).value();
@@ -177,7 +179,8 @@ class Reader {
         if (!header) {
             throw FileError(file + ": is no PNG or damaged; get another copy of it");
         }
-        RequireMemory(file, header->width, header->height, 1);
+        RequireMemory(file, header->width, header->height,
+                      PictureBytes(header->width, header->height));
         // Deflate adds less than a thousandth to what it cannot reduce.
         const auto area =
             static_cast<uint64_t>(header->width) * static_cast<uint64_t>(header->height);

@@ -260,7 +260,8 @@ class Writer {
             // A picture file holds at least one pixel.
             place = {0, 0, 1, 1};
         }
-        RequireMemory(name_, place.Width(), place.Height(), 1);
+        RequireMemory(name_, place.Width(), place.Height(),
+                      2 * PictureBytes(place.Width(), place.Height()));
         Picture picture{
             static_cast<int32_t>(place.Width()), static_cast<int32_t>(place.Height()), 16, {}};
         picture.pixels.resize(PixelCount(picture.width, picture.height));

@@ -8,13 +8,10 @@
 
 namespace imgbasic::host {
 
-std::vector<RGBA16> RoomFor(size_t count) {
-    std::vector<RGBA16> pixels;
-    pixels.reserve(count);
+void PreferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t bytes) {
 #ifndef _WIN32
     constexpr size_t kLargePage = size_t{2} << 20U;
-    auto* const begin = reinterpret_cast<std::byte*>(pixels.data());
-    const size_t bytes = count * sizeof(RGBA16);
+    auto* const begin = static_cast<std::byte*>(memory);
     const size_t toPage =
         (kLargePage - reinterpret_cast<uintptr_t>(begin) % kLargePage) % kLargePage;
     if (toPage < bytes) {
@@ -22,7 +19,6 @@ std::vector<RGBA16> RoomFor(size_t count) {
         (void)madvise(begin + toPage, bytes - toPage, MADV_HUGEPAGE);
     }
 #endif
-    return pixels;
 }
 
 }  // namespace imgbasic::host

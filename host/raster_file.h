@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,6 +14,9 @@
 
 namespace imgbasic::host {
 
+/// An opaque pixel of 8 bits a channel: red, green, blue.
+using RGB8 = std::array<uint8_t, 3>;
+
 /// One picture without layers.
 struct Picture {
     int32_t width = 0;
@@ -21,6 +25,7 @@ struct Picture {
     std::vector<RGBA16> pixels;
     std::shared_ptr<const FileMetadata> metadata{};  ///< null when there is none
     std::string format{};                            ///< of the file, as RasterHeader::format
+    std::vector<RGB8> rgb{};  ///< instead of `pixels`, of an opaque picture of 8 bits
 };
 
 enum class RasterFormat { Png, Jpeg, WebP, Tiff };
@@ -30,7 +35,8 @@ struct RasterHeader {
     int32_t width = 0;  ///< of the upright picture
     int32_t height = 0;
     int bitDepth = 8;
-    std::string format{};  ///< such as "png"; empty where the system does not tell
+    bool isOpaque = false;  ///< the file has no alpha; false where the system does not tell
+    std::string format{};   ///< such as "png"; empty where the system does not tell
     std::shared_ptr<const FileMetadata> metadata{};
 };
 
@@ -44,7 +50,7 @@ struct RasterInput {
 /// Decodes a flat file of a format that its content tells, turned upright and as sRGB or what its
 /// own profile says, with alpha; of several pages the first. `notes` get what cannot be kept as
 /// the file means it. Throws FileError, also when a part is missing, and, before it takes memory,
-/// when the memory does not suffice for the picture and one more of its size.
+/// when that does not suffice for the picture.
 Picture ReadRaster(const RasterInput& input, std::vector<std::string>& notes);
 
 /// Reads the header only.

@@ -7,6 +7,7 @@
 #include "host/memory_limit.h"
 #include "host/raster_file.h"
 #include "host/raster_metadata.h"
+#include "host/raster_strips.h"
 #include "host/sample_pixels.h"
 #include "host/upright_pixels.h"
 #include "host/vips_library.h"
@@ -127,6 +128,7 @@ OpenedFile Open(const RasterInput& input, const char* wantedLoader,
         std::swap(header.width, header.height);
     }
     header.bitDepth = file.image.format() == VIPS_FORMAT_UCHAR ? 8 : 16;
+    header.isOpaque = vips_image_hasalpha(file.image.get_image()) == 0;
     const std::string_view loader = file.image.get_string("vips-loader");
     header.format = loader.substr(0, loader.find("load"));
     const ReadAt read = [&](int64_t position, size_t size) {
@@ -168,43 +170,87 @@ VImage InKnownColors(const VImage& image, const std::string& name,
     return image;
 }
 
-std::vector<RGBA16> PixelsOf(const VImage& image) {
-    // Few enough rows to stay in the processor's cache.
-    constexpr int kStrip = 16;
-    const int width = image.width();
-    const int bands = image.bands();
-    UprightPixels upright(width, image.height(), vips_image_get_orientation(image.get_image()));
-    const std::unique_ptr<VipsRegion, decltype(&g_object_unref)> region(
-        vips_region_new(image.get_image()), g_object_unref);
-    for (int top = 0; top < image.height(); top += kStrip) {
-        const VipsRect area{0, top, width, std::min(kStrip, image.height() - top)};
-        if (vips_region_prepare(region.get(), &area) != 0) {
+/// Reads the rows of an image from top to bottom, as they lie in its file.
+class StripReader {
+  public:
+    explicit StripReader(const VImage& image)
+        : image_(image), region_(vips_region_new(image.get_image()), g_object_unref) {}
+
+    /// Reads the next few rows; false behind the last one.
+    bool Next(std::vector<RGBA16>& rows) {
+        const VipsRect area{0, top_, image_.width(), std::min(kStrip, image_.height() - top_)};
+        if (area.height == 0) {
+            return false;
+        }
+        if (vips_region_prepare(region_.get(), &area) != 0) {
             throw vips::VError();
         }
-        const std::span<RGBA16> rows = upright.NextRows(static_cast<size_t>(area.height));
+        const auto width = static_cast<size_t>(area.width);
+        rows.resize(width * static_cast<size_t>(area.height));
         for (int y = 0; y < area.height; ++y) {
-            const auto row = rows.subspan(static_cast<size_t>(y) * static_cast<size_t>(width),
-                                          static_cast<size_t>(width));
-            const VipsPel* const samples = VIPS_REGION_ADDR(region.get(), 0, top + y);
-            if (image.format() == VIPS_FORMAT_UCHAR) {
-                ConvertSamples(samples, bands, row);
+            const auto row = std::span(rows).subspan(static_cast<size_t>(y) * width, width);
+            const VipsPel* const samples = VIPS_REGION_ADDR(region_.get(), 0, top_ + y);
+            if (image_.format() == VIPS_FORMAT_UCHAR) {
+                ConvertSamples(samples, image_.bands(), row);
             } else {
-                ConvertSamples(reinterpret_cast<const uint16_t*>(samples), bands, row);
+                ConvertSamples(reinterpret_cast<const uint16_t*>(samples), image_.bands(), row);
             }
         }
-        upright.Place();
+        top_ += area.height;
+        return true;
+    }
+
+  private:
+    /// Few enough rows to stay in the processor's cache.
+    static constexpr int kStrip = 16;
+
+    const VImage& image_;
+    const std::unique_ptr<VipsRegion, decltype(&g_object_unref)> region_;
+    int top_ = 0;
+};
+
+template <typename Pixel>
+UprightPixels<Pixel> UprightPixelsFor(const VImage& image) {
+    return {image.width(), image.height(), vips_image_get_orientation(image.get_image())};
+}
+
+std::vector<RGBA16> PixelsOf(const VImage& image) {
+    auto upright = UprightPixelsFor<RGBA16>(image);
+    std::vector<RGBA16> rows;
+    for (StripReader reader(image); reader.Next(rows);) {
+        upright.Add(rows);
     }
     return upright.Take();
 }
 
-Picture Decode(const RasterInput& input, const char* wantedLoader,
+std::vector<RGB8> ChangedPixelsOf(const VImage& image, const StripChange& change) {
+    auto upright = UprightPixelsFor<RGB8>(image);
+    std::vector<RGBA16> rows;
+    std::vector<RGB8> rounded;
+    for (StripReader reader(image); reader.Next(rows);) {
+        change(rows, image.width());
+        rounded.resize(rows.size());
+        RoundToBytes(rows, 3, rounded.front().data());
+        upright.Add(rounded);
+    }
+    return upright.Take();
+}
+
+/// Without a `change`, as it is.
+Picture Decode(const RasterInput& input, const char* wantedLoader, const StripChange& change,
                std::vector<std::string>& notes) {
     const OpenedFile file = Open(input, wantedLoader, notes);
     const RasterHeader& header = file.header;
-    RequireMemory(input.name, header.width, header.height, 1);
+    RequireMemory(
+        input.name, header.width, header.height,
+        PictureBytes(header.width, header.height, change ? sizeof(RGB8) : sizeof(RGBA16)));
     const VImage image = InKnownColors(file.image, input.name, notes);
-    Picture picture{header.width, header.height, image.format() == VIPS_FORMAT_UCHAR ? 8 : 16,
-                    PixelsOf(image)};
+    Picture picture{header.width, header.height, image.format() == VIPS_FORMAT_UCHAR ? 8 : 16, {}};
+    if (change) {
+        picture.rgb = ChangedPixelsOf(image, change);
+    } else {
+        picture.pixels = PixelsOf(image);
+    }
     auto metadata = std::make_shared<FileMetadata>(*header.metadata);
     metadata->width = picture.width;
     metadata->height = picture.height;
@@ -237,13 +283,18 @@ auto Reading(const std::string& name, Work work) {
 }  // namespace
 
 Picture ReadRaster(const RasterInput& input, std::vector<std::string>& notes) {
-    return Reading(input.name, [&] { return Decode(input, nullptr, notes); });
+    return Reading(input.name, [&] { return Decode(input, nullptr, {}, notes); });
+}
+
+Picture ReadRasterInStrips(const RasterInput& input, const StripChange& change,
+                           std::vector<std::string>& notes) {
+    return Reading(input.name, [&] { return Decode(input, nullptr, change, notes); });
 }
 
 Picture DecodeRaster(std::span<const std::byte> bytes, RasterFormat format, const std::string& name,
                      std::vector<std::string>& notes) {
     const RasterInput input{.name = name, .bytes = bytes};
-    return Reading(name, [&] { return Decode(input, LoaderFor(format), notes); });
+    return Reading(name, [&] { return Decode(input, LoaderFor(format), {}, notes); });
 }
 
 RasterHeader ReadRasterHeader(const RasterInput& input, std::vector<std::string>& notes) {

@@ -62,7 +62,7 @@ int IndexDepth(size_t colors) {
 bool PaletteSaves(const Picture& picture, size_t colors, int bands) {
     constexpr size_t kPerColor = 3;
     constexpr size_t kChunk = 12;
-    const size_t pixels = picture.pixels.size();
+    const auto pixels = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height);
     const auto depth = static_cast<size_t>(IndexDepth(colors));
     return colors * kPerColor + kChunk + pixels * depth / 8 < pixels * static_cast<size_t>(bands);
 }

@@ -7,7 +7,7 @@
 
 #include "host/document.h"
 #include "host/flatten.h"
-#include "host/sample_depth.h"
+#include "host/sample_pixels.h"
 
 namespace imgbasic::host {
 namespace {
@@ -17,25 +17,6 @@ constexpr size_t kMostColors = 256;
 /// A pixel's four channels as a file of the sample's depth holds them.
 template <typename Sample>
 using Channels = std::array<Sample, 4>;
-
-template <typename Sample>
-Sample Rounded(uint16_t channel) {
-    if constexpr (sizeof(Sample) == 1) {
-        return ToDepth8(channel);
-    } else {
-        return ToDepth16(channel);
-    }
-}
-
-template <typename Sample>
-void RoundRow(std::span<const RGBA16> row, std::span<Channels<Sample>> out) {
-    // All channels as one run of numbers, which compilers turn into vector code.
-    const auto* const from = reinterpret_cast<const uint16_t*>(row.data());
-    auto* const to = reinterpret_cast<Sample*>(out.data());
-    for (size_t i = 0; i < 4 * row.size(); ++i) {
-        to[i] = Rounded<Sample>(from[i]);
-    }
-}
 
 PaletteColor Sortable(Channels<uint8_t> color) {
     return {color[3], color[0], color[1], color[2]};
@@ -162,49 +143,37 @@ PictureTraits FindTraits(const Picture& picture, uint16_t leastAlpha) {
         if (finder.IsSettled()) {
             finder.LookAtAlpha(isOpaque);
         } else {
-            RoundRow<Sample>(row, rounded);
+            RoundPixels<Sample>(row, rounded);
             finder.Look(rounded, isOpaque);
         }
     }
     return finder.Take();
 }
 
-/// Takes the layout's channels out of all four.
-template <typename Sample>
-void PickBands(std::span<const Channels<Sample>> row, int bands, Sample* out) {
-    // The most frequent case by itself. All but the last pixel are written with their alpha, which
-    // the next one overwrites.
-    if (bands == 3 && !row.empty()) {
-        for (const auto& pixel : row.first(row.size() - 1)) {
-            std::memcpy(out, pixel.data(), sizeof pixel);
-            out += 3;
-        }
-        std::memcpy(out, row.back().data(), 3 * sizeof(Sample));
-        return;
-    }
-    const size_t step = bands == 4 ? 1 : 3;
-    for (const auto& pixel : row) {
-        for (size_t band = 0; band < static_cast<size_t>(bands); ++band) {
-            *out++ = pixel[band * step];
-        }
+/// Opaque pixels with their alpha.
+void AddAlpha(std::span<const RGB8> row, std::span<Channels<uint8_t>> out) {
+    for (size_t x = 0; x < row.size(); ++x) {
+        out[x] = {row[x][0], row[x][1], row[x][2], 255};
     }
 }
 
-/// Writes the layout's channels of a row at 8 bits, in parts that stay in the nearest cache.
-void FillBytes(std::span<const RGBA16> row, int bands, uint8_t* out) {
-    std::array<Channels<uint8_t>, 1024> rounded;
-    for (size_t first = 0; first < row.size(); first += rounded.size()) {
-        const size_t count = std::min(rounded.size(), row.size() - first);
-        const auto part = std::span(rounded).first(count);
-        RoundRow<uint8_t>(row.subspan(first, count), part);
-        PickBands<uint8_t>(part, bands, out);
-        out += count * static_cast<size_t>(bands);
+/// The same for an opaque picture of 8 bits.
+PictureTraits FindTraits(std::span<const RGB8> pixels, size_t width) {
+    TraitsFinder<uint8_t> finder;
+    std::vector<Channels<uint8_t>> row(width);
+    for (size_t first = 0; first < pixels.size() && !finder.IsSettled(); first += width) {
+        AddAlpha(pixels.subspan(first, width), row);
+        finder.Look(row, true);
     }
+    return finder.Take();
 }
 
 }  // namespace
 
 PictureTraits TraitsOf(const Picture& picture, int depth) {
+    if (!picture.rgb.empty()) {
+        return FindTraits(picture.rgb, static_cast<size_t>(picture.width));
+    }
     return depth == 16 ? FindTraits<uint16_t>(picture, kFullScale - 1)
                        : FindTraits<uint8_t>(picture, FromDepth8(255) - 128);
 }
@@ -224,8 +193,13 @@ size_t SampleRows::RowSize() const {
 
 void SampleRows::Fill(int32_t y, std::byte* out) const {
     const auto width = static_cast<size_t>(picture_.width);
-    std::span<const RGBA16> row =
-        std::span(picture_.pixels).subspan(static_cast<size_t>(y) * width, width);
+    const size_t first = static_cast<size_t>(y) * width;
+    auto* const bytes = reinterpret_cast<uint8_t*>(out);
+    if (!picture_.rgb.empty()) {
+        FillFromBytes(std::span(picture_.rgb).subspan(first, width), bytes);
+        return;
+    }
+    std::span<const RGBA16> row = std::span(picture_.pixels).subspan(first, width);
     std::vector<RGBA16> overWhite;
     if (layout_.overWhite) {
         overWhite.assign(row.begin(), row.end());
@@ -236,23 +210,38 @@ void SampleRows::Fill(int32_t y, std::byte* out) const {
         row = overWhite;
     }
     if (!layout_.palette.empty()) {
-        FillIndices(row, reinterpret_cast<uint8_t*>(out));
+        std::vector<Channels<uint8_t>> rounded(width);
+        RoundPixels<uint8_t>(row, rounded);
+        FillIndices(rounded, bytes);
     } else if (layout_.depth == 16) {
         std::vector<Channels<uint16_t>> rounded(width);
-        RoundRow<uint16_t>(row, rounded);
+        RoundPixels<uint16_t>(row, rounded);
         KeepLowerSamples(y, rounded);
-        PickBands<uint16_t>(rounded, layout_.bands, reinterpret_cast<uint16_t*>(out));
+        PickBands<uint16_t>(rounded, static_cast<size_t>(layout_.bands),
+                            reinterpret_cast<uint16_t*>(out));
     } else {
-        FillBytes(row, layout_.bands, reinterpret_cast<uint8_t*>(out));
+        RoundToBytes(row, static_cast<size_t>(layout_.bands), bytes);
     }
 }
 
-void SampleRows::FillIndices(std::span<const RGBA16> row, uint8_t* out) const {
-    std::vector<Channels<uint8_t>> rounded(row.size());
-    RoundRow<uint8_t>(row, rounded);
+void SampleRows::FillFromBytes(std::span<const RGB8> row, uint8_t* out) const {
+    if (layout_.bands == 3) {
+        std::memcpy(out, row.data(), row.size_bytes());
+        return;
+    }
+    std::vector<Channels<uint8_t>> pixels(row.size());
+    AddAlpha(row, pixels);
+    if (layout_.palette.empty()) {
+        PickBands<uint8_t>(pixels, static_cast<size_t>(layout_.bands), out);
+    } else {
+        FillIndices(pixels, out);
+    }
+}
+
+void SampleRows::FillIndices(std::span<const std::array<uint8_t, 4>> row, uint8_t* out) const {
     std::optional<PaletteColor> last;
     uint8_t index = 0;
-    for (const Channels<uint8_t>& pixel : rounded) {
+    for (const Channels<uint8_t>& pixel : row) {
         PaletteColor color = Sortable(pixel);
         if (layout_.palette.front()[0] == 255) {
             color[0] = 255;

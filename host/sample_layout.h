@@ -48,7 +48,8 @@ class SampleRows {
     void Fill(int32_t y, std::byte* out) const;
 
   private:
-    void FillIndices(std::span<const RGBA16> row, uint8_t* out) const;
+    void FillFromBytes(std::span<const RGB8> row, uint8_t* out) const;
+    void FillIndices(std::span<const std::array<uint8_t, 4>> row, uint8_t* out) const;
     void KeepLowerSamples(int32_t y, std::span<std::array<uint16_t, 4>> row) const;
 
     const Picture& picture_;

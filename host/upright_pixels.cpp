@@ -1,12 +1,15 @@
 #include "host/upright_pixels.h"
 
 #include "host/pixel_room.h"
+#include "host/raster_file.h"
 
 namespace imgbasic::host {
-UprightPixels::UprightPixels(int32_t width, int32_t height, int orientation)
+
+template <typename Pixel>
+UprightPixels<Pixel>::UprightPixels(int32_t width, int32_t height, int orientation)
     : width_(static_cast<size_t>(width)),
-      isUpright_(orientation < 2 || orientation > 8),
-      pixels_(RoomFor(static_cast<size_t>(width) * static_cast<size_t>(height))) {
+      isUpright_(orientation<2 || orientation> 8),
+      pixels_(RoomFor<Pixel>(static_cast<size_t>(width) * static_cast<size_t>(height))) {
     if (isUpright_) {
         return;
     }
@@ -29,30 +32,25 @@ UprightPixels::UprightPixels(int32_t width, int32_t height, int orientation)
     }
 }
 
-std::span<RGBA16> UprightPixels::NextRows(size_t count) {
-    if (!isUpright_) {
-        turning_.resize(count * width_);
-        return turning_;
-    }
-    const size_t first = pixels_.size();
-    pixels_.resize(first + count * width_);
-    return std::span(pixels_).subspan(first);
-}
-
-void UprightPixels::Place() {
+template <typename Pixel>
+void UprightPixels<Pixel>::Add(std::span<const Pixel> rows) {
     if (isUpright_) {
+        pixels_.insert(pixels_.end(), rows.begin(), rows.end());
         return;
     }
-    const size_t count = turning_.size() / width_;
+    const size_t count = rows.size() / width_;
     // Down the columns, since the rows of a strip are neighbours in a turned picture.
     for (size_t x = 0; x < width_; ++x) {
         ptrdiff_t at = next_ + static_cast<ptrdiff_t>(x) * stepX_;
         for (size_t y = 0; y < count; ++y) {
-            pixels_[static_cast<size_t>(at)] = turning_[y * width_ + x];
+            pixels_[static_cast<size_t>(at)] = rows[y * width_ + x];
             at += stepY_;
         }
     }
     next_ += static_cast<ptrdiff_t>(count) * stepY_;
 }
+
+template class UprightPixels<RGBA16>;
+template class UprightPixels<RGB8>;
 
 }  // namespace imgbasic::host

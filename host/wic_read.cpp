@@ -196,23 +196,25 @@ std::vector<RGBA16> PixelsOf(const OpenedFile& file) {
     Check(source->GetSize(&width, &height));
     const UINT stride = width * static_cast<UINT>(file.bands) * (deep ? 2U : 1U);
     std::vector<BYTE> samples(size_t{stride} * kStrip);
-    UprightPixels upright(static_cast<int32_t>(width), static_cast<int32_t>(height),
-                          file.orientation);
+    std::vector<RGBA16> pixels;
+    UprightPixels<RGBA16> upright(static_cast<int32_t>(width), static_cast<int32_t>(height),
+                                  file.orientation);
     for (UINT top = 0; top < height; top += kStrip) {
         const UINT rows = std::min(kStrip, height - top);
         const WICRect area{0, static_cast<INT>(top), static_cast<INT>(width),
                            static_cast<INT>(rows)};
         Check(source->CopyPixels(&area, stride, stride * rows, samples.data()));
-        const std::span<RGBA16> pixels = upright.NextRows(rows);
+        pixels.resize(size_t{width} * rows);
         if (deep) {
-            ConvertSamples(reinterpret_cast<const uint16_t*>(samples.data()), file.bands, pixels);
+            ConvertSamples(reinterpret_cast<const uint16_t*>(samples.data()), file.bands,
+                           std::span(pixels));
         } else {
-            ConvertSamples(samples.data(), file.bands, pixels);
+            ConvertSamples(samples.data(), file.bands, std::span(pixels));
             for (RGBA16& pixel : pixels) {
                 std::swap(pixel.r, pixel.b);
             }
         }
-        upright.Place();
+        upright.Add(pixels);
     }
     return upright.Take();
 }
@@ -221,7 +223,9 @@ Picture Decode(const RasterInput& input, const GUID* wantedFormat,
                std::vector<std::string>& notes) {
     const OpenedFile file = Open(input, wantedFormat, notes);
     const RasterHeader& header = file.header;
-    RequireMemory(input.name, header.width, header.height, 1);
+    // Once for the file and once for what becomes of it.
+    RequireMemory(input.name, header.width, header.height,
+                  2 * PictureBytes(header.width, header.height));
     Picture picture{header.width, header.height, header.bitDepth, PixelsOf(file)};
     auto metadata = std::make_shared<FileMetadata>(*header.metadata);
     if (picture.bitDepth == 16) {

@@ -47,4 +47,9 @@ expect "ntsc" gray in.png --method n
 expect "clip clamp" scaling --boundary = c
 expect "none pattern small large" col_reduce --dither =
 expect "" mono --threshold ""
+expect "lzw" mono --compression l
+expect "0 1 2 3 4 5 6 7 8 9 none lzw deflate group4" run --compression ""
+expect "8 16" nega --depth ""
+expect "tif tiff" gray --format = t
+expect "mono" settings show m
 expect "--threshold" --module x.so mono --thr

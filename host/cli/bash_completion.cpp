@@ -1,8 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "host/cli/command_tree.h"
+#include "host/cli/file_options.h"
+#include "host/cli/settings_command.h"
 #include "host/filter_words.h"
 #include "host/options.h"
 #include "plugin/imgbasic/filters.h"
@@ -21,9 +24,9 @@ std::string Joined(const std::vector<std::string>& words) {
     return text;
 }
 
-/// The words that a flag of a filter takes; none for another one.
+/// The words that a flag of a command takes; none where it takes something else.
 std::vector<std::string> WordsOfFlag(std::string_view filter, std::string_view flag) {
-    std::vector<std::string> known;
+    std::vector<std::string> known = WordsOfFileOption(flag);
     const bool isFilter =
         std::ranges::find(kFilterRows, filter, &FilterRow::name) != kFilterRows.end();
     for (const OptionWords& words :
@@ -65,6 +68,9 @@ std::string WordsCase(const std::string& command, const CLI::App& app) {
         if (inner.name.find(' ') == std::string::npos) {
             words.push_back(inner.name);
         }
+    }
+    if (app.get_option_no_throw("FILTER") != nullptr) {
+        std::ranges::move(StoringFilters(""), std::back_inserter(words));
     }
     return "        '" + command + "') words='" + Joined(words) + "' ;;\n";
 }

@@ -29,14 +29,19 @@ struct CompressionWord {
     TiffCompression compression;
 };
 
+/// Of PNG.
+constexpr int kHighestLevel = 9;
+
 constexpr CompressionWord kCompressions[] = {{"none", TiffCompression::None},
                                              {"lzw", TiffCompression::Lzw},
                                              {"deflate", TiffCompression::Deflate},
                                              {"group4", TiffCompression::Group4}};
 
+constexpr int kDepths[] = {8, 16};
+
 /// A digit is PNG's, a word TIFF's.
 void ParseCompression(const std::string& word, EncodeOptions& options) {
-    if (word.size() == 1 && word[0] >= '0' && word[0] <= '9') {
+    if (word.size() == 1 && word[0] >= '0' && word[0] <= '0' + kHighestLevel) {
         options.zlibLevel = word[0] - '0';
         return;
     }
@@ -77,7 +82,7 @@ void AddOutput(CLI::App& app, FileOptions& files) {
         ->group(kFileGroup);
     app.add_option("--depth", files.save.bitDepth,
                    "Bits a channel, 8 or 16, instead of the input's")
-        ->check(CLI::IsMember({8, 16}).description(""))
+        ->check(CLI::IsMember(std::vector(std::begin(kDepths), std::end(kDepths))).description(""))
         ->type_name("BITS")
         ->group(kFileGroup);
 }
@@ -111,6 +116,25 @@ void AddEncoding(CLI::App& app, SaveOptions& save) {
 }
 
 }  // namespace
+
+std::vector<std::string> WordsOfFileOption(std::string_view flag) {
+    std::vector<std::string> words;
+    if (flag == "--format") {
+        words = OutputFormats();
+    } else if (flag == "--depth") {
+        for (const int depth : kDepths) {
+            words.push_back(std::to_string(depth));
+        }
+    } else if (flag == "--compression") {
+        for (int level = 0; level <= kHighestLevel; ++level) {
+            words.push_back(std::to_string(level));
+        }
+        for (const CompressionWord& known : kCompressions) {
+            words.emplace_back(known.word);
+        }
+    }
+    return words;
+}
 
 void AddFileOptions(CLI::App& app, FileOptions& files) {
     AddInputs(app, files);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/image_file.h"
@@ -27,6 +28,9 @@ struct FileOptions {
 
 /// The group of --help in a command's help.
 constexpr const char* kOtherGroup = "Other";
+
+/// The words that one of these options takes, such as "--format"; none for another one.
+std::vector<std::string> WordsOfFileOption(std::string_view flag);
 
 /// Adds what every command that writes images has; parsing puts it into `files`.
 void AddFileOptions(CLI::App& app, FileOptions& files);

@@ -12,14 +12,18 @@
 #include "host/cli/step_request.h"
 #include "host/cli/strip_run.h"
 #include "host/file_metadata.h"
+#include "host/layer_run.h"
+#include "host/memory_limit.h"
 #include "host/openraster.h"
+#include "host/raster_strips.h"
 #include "host/sample_depth.h"
 
 namespace imgbasic::host {
 namespace {
 
-std::string SizeText(const Document& document) {
-    return std::to_string(document.width) + " x " + std::to_string(document.height);
+template <typename Image>
+std::string SizeText(const Image& image) {
+    return std::to_string(image.width) + " x " + std::to_string(image.height);
 }
 
 std::string OutputName(const std::filesystem::path& path) {
@@ -68,6 +72,10 @@ void FileRun::Process() {
     if (job_.output != kStandardStream) {
         CheckOutput();
     }
+    if (CanRunWhileReading()) {
+        RunWhileReading();
+        return;
+    }
     Document document = Load();
     SettleFormat(document);
     for (size_t index = 0; index < plan_.command.steps.size(); ++index) {
@@ -75,6 +83,53 @@ void FileRun::Process() {
         ForgetLostSamples(document);
     }
     Save(std::move(document));
+}
+
+/// Whether the pixels can go from the input to the output strip by strip, as 8 bits a channel and
+/// opaque all the way, without a document of the whole.
+bool FileRun::CanRunWhileReading() const {
+    const auto& steps = plan_.command.steps;
+    const bool isPossible = !extension_.empty() && !KeepsLayers(extension_) &&
+                            files_.save.bitDepth != 16 &&
+                            std::ranges::all_of(steps, [](const FilterCommand& step) {
+                                return WorksByPixel(step.filter) && !step.layer && !step.subLayer;
+                            });
+    // What there is to note is noted when the pixels are read.
+    std::vector<std::string> notes;
+    const auto header = isPossible ? ReadHeader(job_.input, notes) : std::nullopt;
+    return header && header->bitDepth == 8 && header->isOpaque;
+}
+
+void FileRun::RunWhileReading() {
+    const auto& steps = plan_.command.steps;
+    const std::string name = InputName(job_.input);
+    Document outline;
+    outline.items.emplace_back(Layer{});
+    std::vector<RunRequest> requests;
+    for (size_t index = 0; index < steps.size(); ++index) {
+        requests.push_back(RequestFor(steps[index], outline, plan_.batches[index].get()));
+    }
+    std::vector<double> milliseconds(steps.size());
+    const auto change = [&](std::vector<RGBA16>& rows, int32_t width) {
+        for (size_t index = 0; index < steps.size(); ++index) {
+            try {
+                milliseconds[index] += RunOnRows(plan_.module, rows, width, requests[index]);
+            } catch (const RunError& fault) {
+                throw JobError(StepName(steps, index) + fault.what() + "; nothing was written");
+            }
+        }
+        if (!IsOpaque(rows)) {
+            throw JobError("the filters made an opaque picture translucent; nothing was written");
+        }
+    };
+    std::vector<std::string> notes;
+    Picture picture =
+        ReadRasterInStrips({.name = name, .path = job_.input.string()}, change, notes);
+    TellNotes(notes);
+    for (size_t index = 0; index < steps.size(); ++index) {
+        RememberStep(steps[index], SizeText(picture), milliseconds[index], "");
+    }
+    Save(std::move(picture));
 }
 
 /// Finds what forbids a file before there is work in it.
@@ -99,23 +154,25 @@ void FileRun::SettleFormat(const Document& document) {
 Document FileRun::Load() {
     std::vector<std::string> notes;
     Document document = LoadDocument(job_.input, &notes);
-    for (const std::string& note : notes) {
-        report_.Note(note);
-    }
+    TellNotes(notes);
     return document;
 }
 
 Document FileRun::RunStep(size_t index, Document document) try {
     const FilterCommand& step = plan_.command.steps[index];
     CheckLosses(step, document);
-    const std::string name = InputName(job_.input) + ": " + StepName(plan_.command.steps, index);
-    const RunRequest request =
-        RequestFor(step, document, name.substr(0, name.size() - 2), plan_.batches[index].get());
+    const RunRequest request = RequestFor(step, document, plan_.batches[index].get());
+    const bool inStrips = CanRunInStrips(document, request);
+    if (!inStrips) {
+        const auto [width, height] = SizeAfter(step, document);
+        RequireMemory(InputName(job_.input), width, height,
+                      BytesForRun(step.filter, document, width, height));
+    }
     const bool compares = files_.verbose && step.filter == "col_reduce";
     const Document source = compares ? document : Document{};
     const std::string sizeBefore = SizeText(document);
     const auto start = std::chrono::steady_clock::now();
-    RunOutcome outcome = CanRunInStrips(document, request)
+    RunOutcome outcome = inStrips
                              ? RunInStrips(plan_.module, std::move(document), request)
                              : RunFilterInUsersLanguage(plan_.module, std::move(document), request);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
@@ -123,14 +180,9 @@ Document FileRun::RunStep(size_t index, Document document) try {
         throw JobError((outcome.status == RunStatus::Failed ? outcome.fault : "cancelled") +
                        "; nothing was written");
     }
-    if (files_.verbose) {
-        const std::string size = SizeText(outcome.document);
-        char milliseconds[32];
-        std::snprintf(milliseconds, sizeof milliseconds, "%.1f ms", time.count());
-        told_.push_back(InputName(job_.input) + ": " + step.filter + ", " + sizeBefore +
-                        (sizeBefore != size ? " to " + size : "") + " pixels, " + milliseconds +
-                        (compares ? ", " + DescribeReduction(source, outcome.document) : ""));
-    }
+    const std::string size = SizeText(outcome.document);
+    RememberStep(step, sizeBefore + (sizeBefore != size ? " to " + size : ""), time.count(),
+                 compares ? ", " + DescribeReduction(source, outcome.document) : "");
     return std::move(outcome.document);
 } catch (const FileError&) {
     throw;  // says where it happened
@@ -152,23 +204,37 @@ void FileRun::CheckLosses(const FilterCommand& step, const Document& document) {
     }
 }
 
-void FileRun::Save(Document document) {
+/// Keeps what --verbose tells about a step.
+void FileRun::RememberStep(const FilterCommand& step, const std::string& sizes, double milliseconds,
+                           const std::string& change) {
+    if (files_.verbose) {
+        char time[32];
+        std::snprintf(time, sizeof time, "%.1f ms", milliseconds);
+        told_.push_back(InputName(job_.input) + ": " + step.filter + ", " + sizes + " pixels, " +
+                        time + change);
+    }
+}
+
+template <typename Image>
+void FileRun::Save(Image image) {
     std::vector<std::string> notes;
     if (plan_.command.steps.back().filter == "chan_decomp" && !KeepsLayers(extension_)) {
         report_.Note(OutputName(job_.output) +
                      ": keeps no layers, so it shows the channels joined again; name a .ora file");
     }
     if (job_.output == kStandardStream) {
-        WriteStandardOutput(EncodeDocument(std::move(document), extension_, OutputName(job_.output),
+        WriteStandardOutput(EncodeDocument(std::move(image), extension_, OutputName(job_.output),
                                            files_.save, notes));
     } else {
-        notes = SaveDocument(std::move(document), job_.output, files_.save);
+        notes = SaveDocument(std::move(image), job_.output, files_.save);
     }
+    TellNotes(notes);
+    TellNotes(told_);
+}
+
+void FileRun::TellNotes(const std::vector<std::string>& notes) const {
     for (const std::string& note : notes) {
         report_.Note(note);
-    }
-    for (const std::string& text : told_) {
-        report_.Note(text);
     }
 }
 

@@ -30,11 +30,17 @@ class FileRun {
   private:
     void Process();
     void CheckOutput() const;
+    bool CanRunWhileReading() const;
+    void RunWhileReading();
     Document Load();
     void SettleFormat(const Document& document);
     Document RunStep(size_t index, Document document);
     void CheckLosses(const FilterCommand& step, const Document& document);
-    void Save(Document document);
+    void RememberStep(const FilterCommand& step, const std::string& sizes, double milliseconds,
+                      const std::string& change);
+    template <typename Image>
+    void Save(Image image);
+    void TellNotes(const std::vector<std::string>& notes) const;
 
     const PlannedRun& plan_;
     const FileOptions& files_;

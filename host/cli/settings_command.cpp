@@ -17,9 +17,6 @@
 #include "plugin/imgbasic/filters.h"
 
 namespace imgbasic::host {
-namespace {
-
-/// The filters that store something: all of them, or the one that is named. Throws UsageError.
 std::vector<std::string> StoringFilters(const std::string& name) {
     std::vector<std::string> filters;
     std::string known;
@@ -37,6 +34,8 @@ std::vector<std::string> StoringFilters(const std::string& name) {
     }
     return filters;
 }
+
+namespace {
 
 /// What to write on the command line for the value; nothing where it needs no word.
 std::string FlagText(const OptionValue& stored, const OptionWords& words) {

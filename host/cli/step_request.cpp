@@ -6,7 +6,6 @@
 
 #include "host/cli/file_jobs.h"
 #include "host/cli/stored_options.h"
-#include "host/memory_limit.h"
 #include "host/opaque_defaults.h"
 
 namespace imgbasic::host {
@@ -100,8 +99,13 @@ FilterCommand Completed(FilterCommand command) {
     return command;
 }
 
+PixelSize SizeAfter(const FilterCommand& command, const Document& document) {
+    const PixelSize size{document.width, document.height};
+    return command.size.IsEmpty() ? size : ScaledSize(command.size, size);
+}
+
 RunRequest RequestFor(const FilterCommand& command, const Document& document,
-                      const std::string& name, ImageProcess* reference) {
+                      ImageProcess* reference) {
     RunRequest request{.filter = command.filter,
                        .current = CurrentPosition(command, document),
                        .drawColor = command.drawColor,
@@ -110,8 +114,7 @@ RunRequest RequestFor(const FilterCommand& command, const Document& document,
                        .options = OpaqueDefaults(command.filter, document)};
     request.options.insert(request.options.end(), command.options.begin(), command.options.end());
     if (!command.size.IsEmpty()) {
-        const PixelSize size = ScaledSize(command.size, {document.width, document.height});
-        RequireMemory(name, size.width, size.height, CountLayers(document.items) + 1);
+        const PixelSize size = SizeAfter(command, document);
         request.options.push_back(Option(command.filter, "newWidth", size.width));
         request.options.push_back(Option(command.filter, "newHeight", size.height));
     }

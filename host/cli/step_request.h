@@ -30,10 +30,12 @@ FilterCommand WithFlagOptions(FilterCommand command);
 /// option is missing.
 FilterCommand Completed(FilterCommand command);
 
+/// The size that the document gets. Throws JobError where it becomes too large.
+PixelSize SizeAfter(const FilterCommand& command, const Document& document);
+
 /// What to ask the driver for; `command` is complete, `reference` a batch's object or null.
-/// Throws JobError where the document has no such layer or becomes too large, FileError, which
-/// `name` begins, where the memory does not suffice.
+/// Throws JobError where the document has no such layer or becomes too large.
 RunRequest RequestFor(const FilterCommand& command, const Document& document,
-                      const std::string& name, ImageProcess* reference);
+                      ImageProcess* reference);
 
 }  // namespace imgbasic::host

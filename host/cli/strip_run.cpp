@@ -3,8 +3,10 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <string_view>
+#include <span>
 #include <utility>
+
+#include "host/layer_run.h"
 
 namespace imgbasic::host {
 namespace {
@@ -14,32 +16,59 @@ constexpr std::string_view kPointFilters[] = {"gray", "mono", "nega"};
 /// Bytes of a strip: with its result it fits the cache of a core.
 constexpr int kStripSize = 1 << 18U;
 
+/// No strip is larger: 16 rows of the widest picture.
+constexpr int kKeptSize = 1 << 23U;
+
 /// Keeps the memory of one strip for the next: the system's, which has to be cleared, costs more
 /// than the filter.
 void KeepMemoryOfStrips() {
-    mallopt(M_MMAP_THRESHOLD, 4 * kStripSize);
-    mallopt(M_TRIM_THRESHOLD, 8 * kStripSize);
+    static const bool kept =
+        mallopt(M_MMAP_THRESHOLD, kKeptSize) != 0 && mallopt(M_TRIM_THRESHOLD, 2 * kKeptSize) != 0;
+    (void)kept;
 }
 
-/// The rows from `top` on, `height` of them, as a document with the same layer.
-Document StripOf(const Document& document, const Layer& layer, int32_t top, int32_t height) {
+/// The outcome of a run over rows as a layer like another one. It holds as many pixels, or the
+/// run failed.
+RunOutcome RunAsLayer(const Module& module, std::vector<RGBA16> rows, int32_t width,
+                      const Layer& like, const RunRequest& request) {
+    const size_t count = rows.size();
+    const auto height = static_cast<int32_t>(count / static_cast<size_t>(width));
     Layer part;
-    part.Attributes() = layer.Attributes();
-    part.origin = layer.origin;
-    part.bounds = {0, 0, document.width, height};
-    const auto first = layer.pixels.begin() + int64_t{top} * document.width;
-    part.pixels.assign(first, first + int64_t{height} * document.width);
-    Document strip{document.width, height, document.bitDepth, {}};
+    part.Attributes() = like.Attributes();
+    part.origin = like.origin;
+    part.bounds = {0, 0, width, height};
+    part.pixels = std::move(rows);
+    Document strip{width, height, 16, {}};
     strip.items.emplace_back(std::move(part));
-    return strip;
+    RunOutcome outcome = RunFilter(module, std::move(strip), request);
+    const std::vector<Item>& items = outcome.document.items;
+    const Layer* const made = items.size() == 1 ? std::get_if<Layer>(&items.front()) : nullptr;
+    if (outcome.status == RunStatus::Done && (made == nullptr || made->pixels.size() != count)) {
+        return {.status = RunStatus::Failed,
+                .fault = request.filter + " made something else of a layer than a layer"};
+    }
+    return outcome;
 }
 
 }  // namespace
 
+bool WorksByPixel(std::string_view filter) {
+    return std::ranges::find(kPointFilters, filter) != std::end(kPointFilters);
+}
+
+double RunOnRows(const Module& module, std::vector<RGBA16>& rows, int32_t width,
+                 const RunRequest& request) {
+    KeepMemoryOfStrips();
+    RunOutcome outcome = RunAsLayer(module, std::move(rows), width, Layer{}, request);
+    if (outcome.status == RunStatus::Failed || outcome.status == RunStatus::Cancelled) {
+        throw RunError(outcome.status == RunStatus::Failed ? outcome.fault : "cancelled");
+    }
+    rows = std::move(std::get<Layer>(outcome.document.items.front()).pixels);
+    return outcome.milliseconds;
+}
+
 bool CanRunInStrips(const Document& document, const RunRequest& request) {
-    const bool isPossible =
-        std::ranges::find(kPointFilters, request.filter) != std::end(kPointFilters);
-    const Layer* const layer = isPossible ? WholePicture(document) : nullptr;
+    const Layer* const layer = WorksByPixel(request.filter) ? WholePicture(document) : nullptr;
     return layer != nullptr && layer->bounds == PixelRect{0, 0, document.width, document.height};
 }
 
@@ -47,18 +76,19 @@ RunOutcome RunInStrips(const Module& module, Document&& document, const RunReque
     KeepMemoryOfStrips();
     Document result = std::move(document);
     auto& layer = std::get<Layer>(result.items.front());
-    const size_t rowSize = static_cast<size_t>(result.width) * sizeof(RGBA16);
-    const auto rows = static_cast<int32_t>(std::max<size_t>(kStripSize / rowSize, 1));
+    const auto width = static_cast<size_t>(result.width);
+    const size_t strip = std::max<size_t>(kStripSize / (width * sizeof(RGBA16)), 1) * width;
     RunOutcome outcome;
-    for (int32_t top = 0; top < result.height; top += rows) {
-        const int32_t height = std::min(rows, result.height - top);
-        outcome = RunFilter(module, StripOf(result, layer, top, height), request);
+    for (size_t first = 0; first < layer.pixels.size(); first += strip) {
+        const auto rows =
+            std::span(layer.pixels).subspan(first, std::min(strip, layer.pixels.size() - first));
+        outcome = RunAsLayer(module, {rows.begin(), rows.end()}, result.width, layer, request);
         if (outcome.status != RunStatus::Done) {
             break;
         }
         const auto& part = std::get<Layer>(outcome.document.items.front());
-        std::ranges::copy(part.pixels, layer.pixels.begin() + int64_t{top} * result.width);
-        if (top + height == result.height) {
+        std::ranges::copy(part.pixels, rows.begin());
+        if (first + rows.size() == layer.pixels.size()) {
             layer.Attributes() = part.Attributes();
             layer.origin = part.origin;
         }

@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <numeric>
+#include <string_view>
 
 #include "host/cli/command_tree.h"
 
@@ -58,6 +60,11 @@ std::vector<std::string> CommandNames(const CLI::App& app) {
     return commands;
 }
 
+bool IsFile(const std::string& word) {
+    std::error_code ignored;
+    return std::filesystem::exists(word, ignored);
+}
+
 std::string DescribeFlag(const CLI::App& app, const std::string& flag) {
     const std::vector<CLI::App*> parsed = app.get_subcommands();
     const CLI::App& command = parsed.empty() ? app : *parsed.front();
@@ -66,6 +73,10 @@ std::string DescribeFlag(const CLI::App& app, const std::string& flag) {
         for (const std::string& name : option->get_lnames()) {
             flags.push_back("--" + name);
         }
+    }
+    if (IsFile(flag)) {
+        return command.get_name() + " has no option " + flag + "; the file of that name is ./" +
+               flag;
     }
     const std::string name = flag.substr(0, flag.find('='));
     return command.get_name() + " has no option " + name + Question(NearestWord(name, flags));
@@ -101,8 +112,17 @@ std::string DescribeFault(const CLI::App& app, const CLI::ParseError& fault) {
         }
         const std::vector<std::string> commands = CommandNames(app);
         if (!commands.empty() && app.get_subcommands().empty()) {
+            if (IsFile(unknown.front())) {
+                return "'" + unknown.front() +
+                       "' is a file; the filter comes first, as in imgbasic nega IN -o OUT";
+            }
             return DescribeUnknown(unknown.front(), commands);
         }
+    }
+    if (dynamic_cast<const CLI::RequiredError*>(&fault) != nullptr) {
+        const bool isOutput = std::string_view(fault.what()).starts_with("--output");
+        return isOutput ? "no output is named; write -o OUT"
+                        : "no input is named; write it behind the command";
     }
     return fault.what();
 }

@@ -162,7 +162,7 @@ Layer ReadLayer(gint32 layer, PixelRect room) {
     const auto height = static_cast<int32_t>(room.Height());
     Layer read;
     read.name = NameOf(layer);
-    RequireMemory(read.name, width, height, 1);
+    RequireMemory(read.name, width, height, 2 * PictureBytes(width, height));
     read.pixels = ZeroPixels(PixelCount(width, height));
     const BufferHandle buffer(gimp_drawable_get_buffer(layer));
     const PixelRect extent = ExtentOf(layer);

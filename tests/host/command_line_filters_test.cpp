@@ -2,6 +2,7 @@
 
 #include "host/driver.h"
 #include "host/file_metadata.h"
+#include "host/memory_limit.h"
 
 namespace imgbasic::host {
 namespace {
@@ -87,6 +88,55 @@ TEST_F(CommandLine, ARunInStripsIsTheRunOfTheWhole) {
                   std::get<Layer>(whole.document.items.at(0)).pixels)
             << filter;
     }
+}
+
+TEST_F(CommandLine, FilteringAFileWhileItIsReadIsFilteringItRead) {
+    auto turned = std::make_shared<FileMetadata>();
+    turned->exif = MetadataBytes({"II*\0\x8\0\0\0\x1\0\x12\x1\x3\0\x1\0\0\0\x6\0\0\0\0\0\0\0", 26});
+    for (const bool isGray : {false, true}) {
+        std::vector<RGBA16> pixels = RandomDocuments(6).Pixels(size_t{211} * 50, 8);
+        for (RGBA16& pixel : pixels) {
+            pixel = isGray ? RGBA16{pixel.r, pixel.r, pixel.r, kFullScale}
+                           : RGBA16{pixel.r, pixel.g, pixel.b, kFullScale};
+        }
+        Document document = OneLayer(211, 50, 8, pixels);
+        SaveDocument(document, Path(isGray ? "gray.png" : "rgb.png"), {});
+        document.metadata = turned;
+        SaveDocument(document, Path(isGray ? "turned_gray.jpg" : "turned.jpg"), {});
+    }
+    // What comes through a pipe is read to its end first.
+    const Result result =
+        Run("for f in gray.png rgb.png turned_gray.jpg turned.jpg; do for o in png jpg; do "
+            "imgbasic gray $f -o 1$f.$o --method ntsc && imgbasic gray - -o 2$f.$o --method ntsc "
+            "<$f && cmp 1$f.$o 2$f.$o && imgbasic run nega mono -- $f -o 3$f.$o && "
+            "imgbasic run nega mono -- - -o 4$f.$o <$f && cmp 3$f.$o 4$f.$o || exit 1; done; done; "
+            "imgbasic info 1turned.jpg.png; imgbasic nega gray.png -o n.png --verbose");
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+    EXPECT_THAT(result.out, HasSubstr("1turned.jpg.png: 50 x 211 pixels"));
+    EXPECT_THAT(result.err, HasSubstr("gray.png: nega, 211 x 50 pixels, "));
+}
+
+TEST_F(CommandLine, RefusesAPictureByTheMemoryThatARunTakes) {
+    WriteBytes("huge.ppm", "P6 1000000 1000000 255\n");
+    // 3 bytes a pixel where the file is filtered while it is read, 8 elsewhere.
+    const struct {
+        const char* arguments;
+        const char* need;
+    } cases[] = {{"nega huge.ppm -o x.jpg", "need 2794.0 GiB"},
+                 {"nega huge.ppm -o x.png --depth 16", "need 7450.6 GiB"},
+                 {"col_reduce huge.ppm -o x.png", "need 7450.6 GiB"}};
+    for (const auto& test : cases) {
+        const Result result = Run(std::string("imgbasic ") + test.arguments);
+        EXPECT_EQ(result.status, 1) << test.arguments;
+        EXPECT_THAT(result.err, HasSubstr(test.need)) << test.arguments;
+    }
+    Document document = OneLayer(2, 2, 8, std::vector<RGBA16>(4));
+    EXPECT_EQ(BytesForRun("col_reduce", document, 2, 2), 32);
+    EXPECT_EQ(BytesForRun("scaling", document, 20, 10), 1600);
+    document.items.push_back(document.items.front());
+    EXPECT_EQ(BytesForRun("scaling", document, 20, 10), 3200 + 32) << "and the merged picture";
+    EXPECT_THROW(RequireMemory("x", 2, 2, 1e18), FileError);
+    EXPECT_NO_THROW(RequireMemory("x", 2, 2, 1));
 }
 
 TEST_F(CommandLine, RunsSeveralStepsAsSeveralCommandsWould) {
