@@ -242,8 +242,8 @@ void ChannelMergeImageProcess::KeepColor(const ExecuteArgs& args, Channel channe
     }
     const uint32_t percent = args.layerOpacity == nullptr ? 100 : *args.layerOpacity;
     ForEachRun(Plane(channel), args.src, width, ClippedTo(*this, *args.inRect),
-               [=](uint16_t* plane, const RGBA16* src, size_t count, Store) {
-                   TakeChannel(plane, src, count, channel, percent);
+               [=](uint16_t* plane, const RGBA16* src, size_t count, Store store) {
+                   TakeChannel(plane, src, count, channel, percent, store);
                });
 }
 

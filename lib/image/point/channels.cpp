@@ -19,7 +19,7 @@ void IsolateChannel(RGBA16* dst, const RGBA16* src, size_t count, Channel channe
 }
 
 void TakeChannelScalar(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
-                       uint32_t percent) {
+                       uint32_t percent, Store /*store*/) {
     const auto member = MemberOf(channel);
     for (size_t i = 0; i < count; ++i) {
         plane[i] = PercentOf(src[i].*member, percent);
@@ -27,10 +27,10 @@ void TakeChannelScalar(uint16_t* plane, const RGBA16* src, size_t count, Channel
 }
 
 void TakeChannel(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
-                 uint32_t percent) {
+                 uint32_t percent, Store store) {
     static constexpr KernelForms<TakeChannelForm> kForms{TakeChannelScalar,
                                                          IMGBASIC_X86_FORM(TakeChannelAvx2)};
-    kForms.Active()(plane, src, count, channel, percent);
+    kForms.Active()(plane, src, count, channel, percent, store);
 }
 
 void JoinChannelsScalar(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alphas, size_t count,

@@ -38,7 +38,7 @@ void IsolateChannel(RGBA16* dst, const RGBA16* src, size_t count, Channel channe
 
 /// Writes PercentOf `channel` in `count` pixels of `src` to `plane`; 100 % copies it.
 void TakeChannel(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
-                 uint32_t percent);
+                 uint32_t percent, Store store);
 
 /// The colour channels of a run of pixels, each on its own.
 struct ColorPlanes {

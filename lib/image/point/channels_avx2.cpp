@@ -1,6 +1,7 @@
 #include <immintrin.h>
 
 #include "lib/image/point/channels_forms.h"
+#include "lib/image/simd/fetch_ahead.h"
 #include "lib/image/simd/vector_run.h"
 
 namespace imgbasic {
@@ -28,20 +29,25 @@ void IsolateChannelAvx2(RGBA16* dst, const RGBA16* src, size_t count, Channel ch
     const __m256i opaqueBlack = _mm256_set1_epi64x(static_cast<long long>(0xFF00'0000'0000'0000));
     const __m256i others = _mm256_andnot_si256(lanes, opaqueBlack);
 
-    const VectorRun run = SplitRun(dst, count, kStep, store);
-    IsolateChannelScalar(dst, src, run.begin, channel, store);
-    for (size_t i = run.begin; i < run.end; i += kStep) {
+    const auto isolate = [&](size_t i, bool streaming) {
         const __m256i kept = _mm256_and_si256(Load(src + i), lanes);
-        StoreVector(dst + i, _mm256_or_si256(kept, others), run.streaming);
-    }
-    FinishStores(run.streaming);
-    IsolateChannelScalar(dst + run.end, src + run.end, count - run.end, channel, store);
+        StoreVector(dst + i, _mm256_or_si256(kept, others), streaming);
+    };
+    ForEachLine(
+        dst, count, store,
+        [&](size_t begin, size_t end) {
+            IsolateChannelScalar(dst + begin, src + begin, end - begin, channel, store);
+        },
+        [&](size_t i, bool streaming) {
+            isolate(i, streaming);
+            isolate(i + kStep, streaming);
+        });
 }
 
 // One pixel is one 64-bit lane, with the channel's value moved to its lowest 16 bits. Packing four
 // vectors leaves eight pairs of neighbours, those of the lower and of the upper halves apart.
 void TakeChannelAvx2(uint16_t* plane, const RGBA16* src, size_t count, Channel channel,
-                     uint32_t percent) {
+                     uint32_t percent, Store store) {
     const __m128i shift = ShiftOf(channel);
     const __m256i lowest = _mm256_set1_epi64x(0xFFFF);
     const __m256i percents = _mm256_set1_epi64x(percent);
@@ -61,17 +67,23 @@ void TakeChannelAvx2(uint16_t* plane, const RGBA16* src, size_t count, Channel c
     };
     const __m256i inOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
 
-    size_t i = 0;
-    for (; i + 4 * kStep <= count; i += 4 * kStep) {
+    const auto takeVector = [&](size_t i, bool streaming) {
         const RGBA16* const pixels = src + i;
         const __m256i first = _mm256_packus_epi32(take(pixels), take(pixels + kStep));
         const __m256i second =
             _mm256_packus_epi32(take(pixels + 2 * kStep), take(pixels + 3 * kStep));
         const __m256i packed = _mm256_packus_epi32(first, second);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(plane + i),
-                            _mm256_permutevar8x32_epi32(packed, inOrder));
-    }
-    TakeChannelScalar(plane + i, src + i, count - i, channel, percent);
+        StoreVector(plane + i, _mm256_permutevar8x32_epi32(packed, inOrder), streaming);
+    };
+    ForEachLine(
+        plane, count, store,
+        [&](size_t begin, size_t end) {
+            TakeChannelScalar(plane + begin, src + begin, end - begin, channel, percent, store);
+        },
+        [&](size_t i, bool streaming) {
+            takeVector(i, streaming);
+            takeVector(i + 4 * kStep, streaming);
+        });
 }
 
 void JoinChannelsAvx2(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alphas, size_t count,
@@ -79,15 +91,17 @@ void JoinChannelsAvx2(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alph
     const auto lanes = [](const uint16_t* plane) {
         return _mm256_cvtepu16_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(plane)));
     };
+    const __m256i alphaLanes = LanesOf(Channel::A);
     const auto scalar = [&](size_t begin, size_t end) {
         JoinChannelsScalar(dst + begin, {colors.r + begin, colors.g + begin, colors.b + begin},
                            alphas + begin, end - begin, store);
     };
-    const __m256i alphaLanes = LanesOf(Channel::A);
-
+    // Four buffers are read side by side as it is; three of them are small.
+    constexpr size_t kPage = 4096 / sizeof(RGBA16);
     const VectorRun run = SplitRun(dst, count, kStep, store);
     scalar(0, run.begin);
     for (size_t i = run.begin; i < run.end; i += kStep) {
+        FetchAhead(alphas, i + kPage);
         const __m256i green = _mm256_slli_epi64(lanes(colors.g + i), 16);
         const __m256i blue = _mm256_slli_epi64(lanes(colors.b + i), 32);
         const __m256i alpha = _mm256_and_si256(Load(alphas + i), alphaLanes);

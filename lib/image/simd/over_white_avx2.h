@@ -98,22 +98,21 @@ template <typename OfColors, typename ScalarRow>
 static inline void ForEachOverWhite(RGBA16* dst, const RGBA16* src, size_t count, Store store,
                                     ScalarRow scalarRow, OfColors ofColors) {
     constexpr size_t kVector = sizeof(__m256i) / sizeof(RGBA16);
-    const VectorRun run = SplitRun(dst, count, 2 * kVector, store);
-    scalarRow(dst, src, run.begin);
-    for (size_t i = run.begin; i < run.end; i += 2 * kVector) {
-        const auto* address = reinterpret_cast<const __m256i*>(src + i);
-        __m256i pixels1 = _mm256_loadu_si256(address);
-        __m256i pixels2 = _mm256_loadu_si256(address + 1);
-        if (!AreOpaque(pixels1, pixels2)) {
-            pixels1 = OverTransparentWhiteAvx2(pixels1);
-            pixels2 = OverTransparentWhiteAvx2(pixels2);
-        }
-        const TwoVectors results = ofColors(TwoVectors{pixels1, pixels2});
-        StoreVector(dst + i, results.first, run.streaming);
-        StoreVector(dst + i + kVector, results.second, run.streaming);
-    }
-    FinishStores(run.streaming);
-    scalarRow(dst + run.end, src + run.end, count - run.end);
+    ForEachLine(
+        dst, count, store,
+        [&](size_t begin, size_t end) { scalarRow(dst + begin, src + begin, end - begin); },
+        [&](size_t i, bool streaming) {
+            const auto* address = reinterpret_cast<const __m256i*>(src + i);
+            __m256i pixels1 = _mm256_loadu_si256(address);
+            __m256i pixels2 = _mm256_loadu_si256(address + 1);
+            if (!AreOpaque(pixels1, pixels2)) {
+                pixels1 = OverTransparentWhiteAvx2(pixels1);
+                pixels2 = OverTransparentWhiteAvx2(pixels2);
+            }
+            const TwoVectors results = ofColors(TwoVectors{pixels1, pixels2});
+            StoreVector(dst + i, results.first, streaming);
+            StoreVector(dst + i + kVector, results.second, streaming);
+        });
 }
 
 }  // namespace imgbasic

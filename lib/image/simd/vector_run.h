@@ -23,18 +23,20 @@ struct VectorRun {
 /// `step` is the pixels in a vector. A run to be streamed begins where `dst` is aligned to a
 /// vector; a buffer that never is, its address being no multiple of a pixel's size, is not
 /// streamed.
-static inline VectorRun SplitRun(const RGBA16* dst, size_t count, size_t step, Store store) {
-    const size_t bytes = step * sizeof(RGBA16);
+template <typename Pixel>
+static inline VectorRun SplitRun(const Pixel* dst, size_t count, size_t step, Store store) {
+    const size_t bytes = step * sizeof(Pixel);
     const size_t misaligned = reinterpret_cast<uintptr_t>(dst) % bytes;
-    const bool streaming = store == Store::Streaming && misaligned % sizeof(RGBA16) == 0;
+    const bool streaming = store == Store::Streaming && misaligned % sizeof(Pixel) == 0;
     const size_t toAlignment =
-        streaming && misaligned != 0 ? (bytes - misaligned) / sizeof(RGBA16) : 0;
+        streaming && misaligned != 0 ? (bytes - misaligned) / sizeof(Pixel) : 0;
     const size_t begin = toAlignment < count ? toAlignment : count;
     return {begin, begin + (count - begin) / step * step, streaming};
 }
 
 /// Stores one vector of pixels; streamed stores need an aligned `dst`.
-static inline void StoreVector(RGBA16* dst, __m256i pixels, bool streaming) {
+template <typename Pixel>
+static inline void StoreVector(Pixel* dst, __m256i pixels, bool streaming) {
     auto* address = reinterpret_cast<__m256i*>(dst);
     if (streaming) {
         _mm256_stream_si256(address, pixels);
@@ -48,6 +50,40 @@ static inline void FinishStores(bool streaming) {
     if (streaming) {
         _mm_sfence();
     }
+}
+
+/// The pixels in a line of the caches, which streamed results are written by.
+template <typename Pixel>
+constexpr size_t kLinePixels = 64 / sizeof(Pixel);
+
+/// Calls `line(i, streaming)` for the first of every kLinePixels that a vector kernel does of the
+/// `count` pixels of `dst`, in any order, and `scalar(begin, end)` for what is left at both ends.
+///
+/// What is streamed comes from memory as a rule, and one core waits for it less when it reads
+/// several pages side by side: the processor fetches ahead within each of them, not beyond.
+template <typename Pixel, typename Scalar, typename Line>
+static inline void ForEachLine(const Pixel* dst, size_t count, Store store, Scalar scalar,
+                               Line line) {
+    constexpr size_t kLine = kLinePixels<Pixel>;
+    constexpr size_t kPage = 4096 / sizeof(Pixel);
+    constexpr size_t kPages = 8;
+    const VectorRun run = SplitRun(dst, count, kLine, store);
+    scalar(size_t{0}, run.begin);
+    size_t i = run.begin;
+    if (run.streaming) {
+        for (; run.end - i >= kPages * kPage; i += kPages * kPage) {
+            for (size_t x = i; x < i + kPage; x += kLine) {
+                for (size_t page = 0; page < kPages; ++page) {
+                    line(x + page * kPage, true);
+                }
+            }
+        }
+    }
+    for (; i < run.end; i += kLine) {
+        line(i, run.streaming);
+    }
+    FinishStores(run.streaming);
+    scalar(run.end, count);
 }
 
 }  // namespace imgbasic

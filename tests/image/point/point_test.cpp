@@ -56,10 +56,10 @@ void ForEachKernel(const std::function<void(const Kernel& kernel)>& test) {
             run("take and join", percent, [=](RGBA16* dst, const RGBA16* src, size_t count) {
                 std::vector<uint16_t> taken(count + 1, 0xDEAD);
                 std::vector<uint16_t> whole(count);
-                TakeChannel(taken.data(), src, count, channel, percent);
-                TakeChannel(whole.data(), src, count, Channel::R, 100);
-                ASSERT_EQ(taken.back(), 0xDEAD) << "written behind the end";
                 const Store store = percent == 1 ? Store::Streaming : Store::Cached;
+                TakeChannel(taken.data(), src, count, channel, percent, store);
+                TakeChannel(whole.data(), src, count, Channel::R, 100, store);
+                ASSERT_EQ(taken.back(), 0xDEAD) << "written behind the end";
                 JoinChannels(dst, {whole.data(), taken.data(), &taken[1]}, src, count, store);
             });
         }
