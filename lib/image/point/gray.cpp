@@ -63,7 +63,7 @@ void GrayRowScalar(RGBA16* dst, const RGBA16* src, size_t count, uint32_t tint, 
 
 }  // namespace
 
-GrayRows kGrayRowsScalar = {
+const GrayRows kGrayRowsScalar = {{
     GrayRowScalar<GrayMode::LightnessAverage>,
     GrayRowScalar<GrayMode::RgbAverage>,
     GrayRowScalar<GrayMode::NtscY>,
@@ -75,14 +75,14 @@ GrayRows kGrayRowsScalar = {
     GrayRowScalar<GrayMode::Cb>,
     GrayRowScalar<GrayMode::Cr>,
     GrayRowScalar<GrayMode::Black>,
-};
+}};
 
 GrayRow& GrayRowFor(int32_t calcMode) {
-    static constexpr KernelForms<GrayRows> kForms{&kGrayRowsScalar,
-                                                  IMGBASIC_X86_FORM(&kGrayRowsAvx2)};
+    static constexpr KernelForms<const GrayRows> kForms{
+        &kGrayRowsScalar, IMGBASIC_X86_FORM(&kGrayRowsAvx2), IMGBASIC_X86_FORM(&kGrayRowsAvx512)};
     constexpr auto kBlack = static_cast<size_t>(GrayMode::Black);
     // A negative number becomes a large one.
-    return *kForms.Active()[std::min(static_cast<size_t>(calcMode), kBlack)];
+    return *kForms.Active().of[std::min(static_cast<size_t>(calcMode), kBlack)];
 }
 
 }  // namespace imgbasic

@@ -5,9 +5,12 @@
 namespace imgbasic {
 
 /// The row functions of one form, by GrayMode.
-using GrayRows = GrayRow* const[11];
+struct GrayRows {
+    GrayRow* of[static_cast<size_t>(GrayMode::Black) + 1];
+};
 
-extern GrayRows kGrayRowsScalar;
-extern GrayRows kGrayRowsAvx2;
+extern const GrayRows kGrayRowsScalar;
+extern const GrayRows kGrayRowsAvx2;
+extern const GrayRows kGrayRowsAvx512;
 
 }  // namespace imgbasic

@@ -17,7 +17,8 @@ void ToTwoLevelsScalar(RGBA16* dst, const RGBA16* src, size_t count, int32_t lev
 
 void ToTwoLevels(RGBA16* dst, const RGBA16* src, size_t count, int32_t level, Store store) {
     static constexpr KernelForms<ToTwoLevelsForm> kForms{ToTwoLevelsScalar,
-                                                         IMGBASIC_X86_FORM(ToTwoLevelsAvx2)};
+                                                         IMGBASIC_X86_FORM(ToTwoLevelsAvx2),
+                                                         IMGBASIC_X86_FORM(ToTwoLevelsAvx512)};
     kForms.Active()(dst, src, count, level, store);
 }
 

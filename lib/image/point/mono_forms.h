@@ -9,5 +9,6 @@ using ToTwoLevelsForm = void(RGBA16* dst, const RGBA16* src, size_t count, int32
 
 ToTwoLevelsForm ToTwoLevelsScalar;
 ToTwoLevelsForm ToTwoLevelsAvx2;
+ToTwoLevelsForm ToTwoLevelsAvx512;
 
 }  // namespace imgbasic
