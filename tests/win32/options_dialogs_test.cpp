@@ -239,6 +239,19 @@ TEST_F(OneDialog, CancelsInEveryWay) {
     EXPECT_EQ(Stored("mono"), "");
 }
 
+TEST_F(OneDialog, OfABatchTellsWhetherItWasCancelled) {
+    for (const int button : {IDOK, IDCANCEL}) {
+        int cancelled = 5;
+        const auto prepare = [&] {
+            ImageProcess* const object = ImagePluginBatchPrepare("scaling", nullptr, &cancelled);
+            return object != nullptr && ImagePluginBatchDispose("scaling", object);
+        };
+        const auto press = [=](const DialogHand& hand) { hand.Click(button); };
+        EXPECT_EQ(WithHand(L"拡大縮小", prepare, press), button == IDOK);
+        EXPECT_EQ(cancelled, button == IDOK ? 5 : 1);
+    }
+}
+
 TEST_F(OneDialog, ScalingHearsOfAListThatIsLeftByEscape) {
     OpenScaling([](const DialogHand& hand) {
         const HWND list = hand.Control(1333);
