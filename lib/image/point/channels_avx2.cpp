@@ -97,11 +97,10 @@ void JoinChannelsAvx2(RGBA16* dst, const ColorPlanes& colors, const RGBA16* alph
                            alphas + begin, end - begin, store);
     };
     // Four buffers are read side by side as it is; three of them are small.
-    constexpr size_t kPage = 4096 / sizeof(RGBA16);
     const VectorRun run = SplitRun(dst, count, kStep, store);
     scalar(0, run.begin);
     for (size_t i = run.begin; i < run.end; i += kStep) {
-        FetchAhead(alphas, i + kPage);
+        FetchAhead(alphas, i + kPagePixels);
         const __m256i green = _mm256_slli_epi64(lanes(colors.g + i), 16);
         const __m256i blue = _mm256_slli_epi64(lanes(colors.b + i), 32);
         const __m256i alpha = _mm256_and_si256(Load(alphas + i), alphaLanes);

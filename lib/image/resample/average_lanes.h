@@ -2,6 +2,7 @@
 
 #include "lib/image/resample/average_forms.h"
 #include "lib/image/resample/weighted_sum_lanes.h"
+#include "lib/image/simd/fetch_ahead.h"
 
 // The average over several pixels at once, see resample_lanes.h.
 namespace imgbasic {
@@ -118,6 +119,13 @@ static inline bool DrawKnownOpaque(const AverageRow& row, size_t i, bool streami
 
 template <typename Lanes, int kStride>
 static inline void DrawAverage(const AverageRow& row, size_t i, bool streaming) {
+    if constexpr (kStride > 0) {
+        for (size_t j = 0; j < row.rowCount; ++j) {
+            if (row.rows[j].pixels != nullptr) {
+                FetchPageAhead<kStride * Lanes::kCount>(row.rows[j].pixels, row.indices[i]);
+            }
+        }
+    }
     // Most vectors are opaque or not from their first pixel on; for others the sum begins anew.
     const bool isPromising = row.rowCount > 0 && row.runs[i].taps > 0 &&
                              row.rows[0].pixels != nullptr &&

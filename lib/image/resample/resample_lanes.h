@@ -3,6 +3,7 @@
 #include "lib/image/resample/average_lanes.h"
 #include "lib/image/resample/bilinear_forms.h"
 #include "lib/image/resample/nearest_forms.h"
+#include "lib/image/simd/fetch_ahead.h"
 #include "lib/image/simd/vector_run.h"
 
 // The resampling kernels over several pixels at once, for each set of lanes the same. Operations
@@ -30,6 +31,8 @@ static inline typename Lanes::Doubles InsideLanes(const BilinearRow& row, size_t
 
 template <typename Lanes>
 static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
+    FetchPageAhead<2 * Lanes::kCount>(row.upper.pixels, row.left.index[i]);
+    FetchPageAhead<2 * Lanes::kCount>(row.lower.pixels, row.left.index[i]);
     const typename Lanes::Picker leftPicker(row.left.index + i, row.sourceWidth);
     const typename Lanes::Picker rightPicker(row.right.index + i, row.sourceWidth);
     const auto upperLeft = leftPicker.Pick(row.upper.pixels);
