@@ -15,6 +15,7 @@ namespace imgbasic {
 
 template <typename Lanes>
 static void NearestLanes(const NearestRow& row, size_t i, bool streaming) {
+    FetchPageAhead<2 * Lanes::kCount>(row.source, row.index[i]);
     const auto pixels = Lanes::PickOnce(row.source, row.index + i, row.sourceWidth);
     Lanes::Store(row.dst + i, pixels, Lanes::Visible(pixels), streaming);
 }
