@@ -19,9 +19,13 @@ ROWS = [
     ("gray, value", "opaque", "Gray/opaque_16MP/3", ["PointPeer/opencv_gray"]),
     ("gray, saturation", "opaque", "Gray/opaque_16MP/7", ["PointPeer/opencv_gray"]),
     ("gray, cb", "opaque", "Gray/opaque_16MP/8", ["PointPeer/opencv_gray"]),
+    ("gray, red", "opaque", "Gray/opaque_16MP/4", ["PointPeer/opencv_gray"]),
+    ("gray, ntsc", "soft-edged", "Gray/soft_16MP/2", []),
     ("gray, ntsc", "translucent", "Gray/translucent_16MP/2", []),
+    ("gray, red", "translucent", "Gray/translucent_16MP/4", []),
     ("gray, saturation", "translucent", "Gray/translucent_16MP/7", []),
     ("two levels", "opaque", "Mono/opaque_16MP", ["PointPeer/opencv_two_levels"]),
+    ("two levels", "soft-edged", "Mono/soft_16MP", []),
     ("two levels", "translucent", "Mono/translucent_16MP", []),
     ("one channel as a layer", "opaque", "ChanDecomp", ["PointPeer/opencv_channel"]),
     ("merge of four layers", "opaque", "ChanMerge/opaque", ["PointPeer/opencv_merge"]),
@@ -33,6 +37,9 @@ for percentage in ("50%", "33.3%", "200%"):
         ROWS.append((f"{kernel.split('_')[0]} to {percentage}", "opaque",
                      f"Scaling/{kernel}/{percentage}/opaque/16MP",
                      [f"ScalingPeer/{peer}/{percentage}/opaque/16MP" for peer in peers]))
+for kernel in ("average", "bilinear_clamp"):
+    ROWS.append((f"{kernel.split('_')[0]} to 50%", "soft-edged",
+                 f"Scaling/{kernel}/50%/soft_edged/16MP", []))
 for colors in (16, 256):
     for dither, name, diffused in ((0, "", 0), (1, ", pattern", None), (3, ", diffused", 1)):
         ROWS.append((f"{colors} colours{name}", "opaque",

@@ -58,6 +58,29 @@ TEST(Reduce, FindsAnEntryThatTiesAtTheCornerOfACell) {
     }
 }
 
+// An entry of just the colour ends the search, though those behind it have the closer alpha; all
+// are equally many cells away, the one by its alpha, the others by their red.
+TEST(Reduce, EndsTheSearchAtATransparentEntryOfTheSameColor) {
+    ReducePalette palette;
+    palette.entries.emplace_back(0x00F0F0F0, 1U);
+    for (uint32_t i = 1; i < 256; ++i) {
+        palette.entries.emplace_back(0xFF000000 | i << 4, 1U);
+    }
+    FinishPalette(palette);
+    ASSERT_TRUE(palette.grid && palette.alphaMode == AlphaMode::First);
+    const Words words{0xFFF0F0F0, 0xFFF1F0F0, 0xFFF0F0F0};
+    for (const SimdLevel level : {SimdLevel::Scalar, SupportedSimdLevel()}) {
+        const ScopedSimdLevel forced(level);
+        for (const auto dither : {NoDither, LargeDiffusion}) {
+            const Indices indices =
+                IndicesOf(*MapToIndexed(palette, Bitmap(3, words).get(), dither));
+            EXPECT_EQ(indices[0], 0);
+            EXPECT_NE(indices[1], 0);
+            EXPECT_EQ(indices[1], FindNearestInGrid(palette, words[1]));
+        }
+    }
+}
+
 // Means may have a colour that nobody sees; the next step of a gradual reduction counts none.
 TEST(Reduce, TakesTransparentColorsOfAStepForColorZero) {
     ReducePalette palette;
