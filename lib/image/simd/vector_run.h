@@ -20,9 +20,9 @@ struct VectorRun {
     bool streaming;  ///< store the vectors with StoreVector's streaming form
 };
 
-/// `step` is the pixels in a vector. A run to be streamed begins where `dst` is aligned to a
-/// vector; a buffer that never is, its address being no multiple of a pixel's size, is not
-/// streamed.
+/// `step` is the pixels that a kernel does at once. A run to be streamed begins where `dst` is
+/// aligned to so many; a buffer that never is, its address being no multiple of a pixel's size, is
+/// not streamed.
 template <typename Pixel>
 static inline VectorRun SplitRun(const Pixel* dst, size_t count, size_t step, Store store) {
     const size_t bytes = step * sizeof(Pixel);
@@ -52,19 +52,15 @@ static inline void FinishStores(bool streaming) {
     }
 }
 
-/// The pixels in a line of the caches, which streamed results are written by.
-template <typename Pixel>
-constexpr size_t kLinePixels = 64 / sizeof(Pixel);
-
-/// Calls `line(i, streaming)` for the first of every kLinePixels that a vector kernel does of the
-/// `count` pixels of `dst`, in any order, and `scalar(begin, end)` for what is left at both ends.
+/// Calls `line(i, streaming)` for the first pixel of every 64 bytes of `dst`, a line of the caches,
+/// in any order, and `scalar(begin, end)` for what is left of the `count` pixels at both ends.
 ///
 /// What is streamed comes from memory as a rule, and one core waits for it less when it reads
 /// several pages side by side: the processor fetches ahead within each of them, not beyond.
 template <typename Pixel, typename Scalar, typename Line>
 static inline void ForEachLine(const Pixel* dst, size_t count, Store store, Scalar scalar,
                                Line line) {
-    constexpr size_t kLine = kLinePixels<Pixel>;
+    constexpr size_t kLine = 64 / sizeof(Pixel);
     constexpr size_t kPage = 4096 / sizeof(Pixel);
     constexpr size_t kPages = 8;
     const VectorRun run = SplitRun(dst, count, kLine, store);
