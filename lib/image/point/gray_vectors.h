@@ -115,7 +115,7 @@ __m256i GrayValues(__m256i colors) {
             return _mm256_srai_epi32(_mm256_add_epi32(sum, _mm256_set1_epi32(kFullScale * 8192)),
                                      14);
         }
-        default:
+        default:  // Black, and the modes that GrayValuesOfTwo does by pairs of channels
             return _mm256_setzero_si256();
     }
 }

@@ -14,11 +14,10 @@ static inline void ToTwoLevelsInVectors(RGBA16* dst, const RGBA16* src, size_t c
                                         Store store) {
     // 64 bits, since a level may lie beyond what a channel's 16 bits can be compared with.
     const __m256i below = _mm256_set1_epi64x(int64_t{level} - 1);
-    const __m256i white = _mm256_set1_epi64x(0x0000'FF00'FF00'FF00);
     const auto toLevels = [&](__m256i colors) {
         const __m256i red = _mm256_and_si256(colors, _mm256_set1_epi64x(0xFFFF));
         const __m256i isWhite = _mm256_cmpgt_epi64(red, below);
-        return _mm256_or_si256(_mm256_and_si256(isWhite, white),
+        return _mm256_or_si256(_mm256_and_si256(isWhite, TransparentWhite()),
                                _mm256_and_si256(colors, AlphaLanes()));
     };
     ForEachOverWhite<OverWhite, kRed>(

@@ -13,9 +13,13 @@
 // computes all the same, it gets numbers that no step raises an exception for.
 namespace imgbasic {
 
+/// The source pixels a column that are fetched ahead: those of halving, the most frequent
+/// reduction.
+constexpr size_t kHalved = 2;
+
 template <typename Lanes>
 static void NearestLanes(const NearestRow& row, size_t i, bool streaming) {
-    FetchPageAhead<2 * Lanes::kCount>(row.source, row.index[i]);
+    FetchPageAhead<kHalved * Lanes::kCount>(row.source, row.index[i]);
     const auto pixels = Lanes::PickOnce(row.source, row.index + i, row.sourceWidth);
     Lanes::Store(row.dst + i, pixels, Lanes::Visible(pixels), streaming);
 }
@@ -32,8 +36,8 @@ static inline typename Lanes::Doubles InsideLanes(const BilinearRow& row, size_t
 
 template <typename Lanes>
 static void BilinearLanes(const BilinearRow& row, size_t i, bool streaming) {
-    FetchPageAhead<2 * Lanes::kCount>(row.upper.pixels, row.left.index[i]);
-    FetchPageAhead<2 * Lanes::kCount>(row.lower.pixels, row.left.index[i]);
+    FetchPageAhead<kHalved * Lanes::kCount>(row.upper.pixels, row.left.index[i]);
+    FetchPageAhead<kHalved * Lanes::kCount>(row.lower.pixels, row.left.index[i]);
     const typename Lanes::Picker leftPicker(row.left.index + i, row.sourceWidth);
     const typename Lanes::Picker rightPicker(row.right.index + i, row.sourceWidth);
     const auto upperLeft = leftPicker.Pick(row.upper.pixels);

@@ -18,8 +18,7 @@ static inline void FetchAhead(const RGBA16* ahead, size_t x) {
     _mm_prefetch(reinterpret_cast<const char*>(ahead) + x * sizeof(RGBA16), _MM_HINT_T0);
 }
 
-/// The same for `kPixels` pixels and what is left of their last line, a page behind the pixel `x`
-/// of a row.
+/// The same for the lines that hold `kPixels` pixels, a page behind the pixel `x` of a row.
 template <size_t kPixels>
 static inline void FetchPageAhead(const RGBA16* row, int32_t x) {
     for (size_t i = 0; i < kPixels; i += 64 / sizeof(RGBA16)) {

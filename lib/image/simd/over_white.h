@@ -36,6 +36,11 @@ static inline __m256i AlphaLanes() {
     return _mm256_set1_epi64x(static_cast<long long>(0xFFFF'0000'0000'0000));
 }
 
+/// White of no alpha: every colour channel at kFullScale.
+static inline __m256i TransparentWhite() {
+    return _mm256_set1_epi64x(0x0000'FF00'FF00'FF00);
+}
+
 static inline bool AreOpaque(const TwoVectors& pixels) {
     const __m256i opaque = _mm256_set1_epi16(static_cast<short>(kFullScale));
     const __m256i missing = _mm256_or_si256(_mm256_xor_si256(pixels.first, opaque),

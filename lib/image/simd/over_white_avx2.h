@@ -11,12 +11,12 @@ namespace {
 //      2^52             0x433 |   0   |   0   |   0
 //      with green       0x433 |   0   | green |   0      = 2^52 + green * 2^16
 
-__m256d RaisedBy() {
+__m256d TwoTo52() {
     return _mm256_set1_pd(0x1p52);
 }
 
 __m256d Lowered(__m256i raised) {
-    return _mm256_sub_pd(_mm256_castsi256_pd(raised), RaisedBy());
+    return _mm256_sub_pd(_mm256_castsi256_pd(raised), TwoTo52());
 }
 
 /// All ones, which is -1, in the lanes where (channel * alpha) * inverse, truncated, is one less
@@ -29,7 +29,7 @@ __m256i Shortfall(__m256i pixels, __m256d alpha, __m256d inverse) {
         return _mm256_setzero_si256();
     }
     const __m256d channel =
-        Lowered(_mm256_blend_epi16(_mm256_castpd_si256(RaisedBy()), pixels, 0b0001'0001 << kWord));
+        Lowered(_mm256_blend_epi16(_mm256_castpd_si256(TwoTo52()), pixels, 0b0001'0001 << kWord));
     const __m256d back = _mm256_mul_pd(_mm256_mul_pd(channel, alpha), inverse);
     return _mm256_castpd_si256(_mm256_cmp_pd(back, channel, _CMP_LT_OQ));
 }
@@ -37,15 +37,14 @@ __m256i Shortfall(__m256i pixels, __m256d alpha, __m256d inverse) {
 /// OverTransparentWhite of four pixels.
 template <Colors kColors>
 __m256i FourOverWhite(__m256i pixels) {
-    const __m256i white = _mm256_set1_epi64x(0x0000'FF00'FF00'FF00);
     if (_mm256_testz_si256(pixels, AlphaLanes()) != 0) {
-        return white;
+        return TransparentWhite();
     }
     const __m256i alphas = _mm256_srli_epi64(pixels, 48);
     // A transparent pixel beside visible ones is divided as well, before its result is dropped; a
     // host may have unmasked the exception of a division by zero.
     const __m256d whole = _mm256_max_pd(
-        Lowered(_mm256_or_si256(alphas, _mm256_castpd_si256(RaisedBy()))), _mm256_set1_pd(1.0));
+        Lowered(_mm256_or_si256(alphas, _mm256_castpd_si256(TwoTo52()))), _mm256_set1_pd(1.0));
     const __m256d alpha = _mm256_fmadd_pd(whole, _mm256_set1_pd(kReciprocalHigh),
                                           _mm256_mul_pd(whole, _mm256_set1_pd(kReciprocalLow)));
     const __m256d inverse = _mm256_div_pd(_mm256_set1_pd(1.0), alpha);
@@ -58,7 +57,8 @@ __m256i FourOverWhite(__m256i pixels) {
     const __m256i blueAlpha = _mm256_blend_epi16(blue, alphaShortfall, 0b1000'1000);
     const __m256i shortfalls = _mm256_blend_epi16(redGreen, blueAlpha, 0b1100'1100);
     const __m256i transparent = _mm256_cmpeq_epi64(alphas, _mm256_setzero_si256());
-    return _mm256_blendv_epi8(_mm256_add_epi16(pixels, shortfalls), white, transparent);
+    return _mm256_blendv_epi8(_mm256_add_epi16(pixels, shortfalls), TransparentWhite(),
+                              transparent);
 }
 
 struct OverWhiteAvx2 {

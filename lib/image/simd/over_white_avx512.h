@@ -18,11 +18,10 @@ struct OverWhiteAvx512 {
     static TwoVectors Of(const TwoVectors& halves) {
         const __m512i pixels =
             _mm512_inserti64x4(_mm512_castsi256_si512(halves.first), halves.second, 1);
-        const __m256i white = _mm256_set1_epi64x(0x0000'FF00'FF00'FF00);
         const __m512i alphas = _mm512_srli_epi64(pixels, 48);
         const __mmask8 transparent = _mm512_testn_epi64_mask(alphas, alphas);
         if (transparent == 0xFF) {
-            return {white, white};
+            return {TransparentWhite(), TransparentWhite()};
         }
         // A transparent pixel beside visible ones is divided as well, before its result is
         // dropped; a host may have unmasked the exception of a division by zero.
@@ -46,7 +45,8 @@ struct OverWhiteAvx512 {
         composite(kBlue, 32);
         const __m512d alphaBack = _mm512_mul_pd(alpha, _mm512_set1_pd(kFullScale));
         lessOne(_mm512_cmp_pd_mask(alphaBack, whole, _CMP_LT_OQ), 48);
-        colors = _mm512_mask_mov_epi64(colors, transparent, _mm512_broadcast_i64x4(white));
+        colors =
+            _mm512_mask_mov_epi64(colors, transparent, _mm512_broadcast_i64x4(TransparentWhite()));
         return {_mm512_castsi512_si256(colors), _mm512_extracti64x4_epi64(colors, 1)};
     }
 };
