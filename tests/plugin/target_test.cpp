@@ -15,37 +15,6 @@ constexpr size_t kPixels = size_t{kWidth} * kHeight;
 constexpr RECT kArea{1, 1, 4, 3};
 constexpr RECT kImage{0, 0, kWidth, kHeight};
 
-struct Case {
-    const char* what;
-    int32_t target;
-    int32_t curSubLayer;
-    int32_t layer;
-    int32_t subLayer;
-    bool result;
-    RECT outRect;  ///< kUntouched: not written
-    bool pixels;   ///< whether outRect's pixels were processed
-    uint32_t resultCode;
-};
-
-// The object's current layer is 2.
-constexpr Case kCases[] = {
-    {"merged: the top item gets the result", 0, -1, 0, -1, true, kImage, true, 0},
-    {"merged: later items are used up", 0, -1, 3, -1, true, kUntouched, false, 1},
-    {"merged: no layer of a folder", 0, -1, 0, 0, false, kUntouched, false, 0},
-    {"merged: also when the current one is in a folder", 0, 1, 2, 1, false, kUntouched, false, 0},
-    {"an unknown target means merged", 5, -1, 0, -1, true, kImage, true, 0},
-    {"a negative target means merged", -1, -1, 1, -1, true, kUntouched, false, 1},
-    {"all: any item", 1, -1, 7, -1, true, kArea, true, 0},
-    {"all: any layer of a folder", 1, -1, 7, 3, true, kArea, true, 0},
-    {"current: itself", 2, -1, 2, -1, true, kArea, true, 0},
-    {"current: another item", 2, -1, 1, -1, true, kUntouched, false, 0},
-    {"current: a layer inside it", 2, -1, 2, 0, false, kUntouched, false, 0},
-    {"current in a folder: itself", 2, 1, 2, 1, true, kArea, true, 0},
-    {"current in a folder: a neighbour", 2, 1, 2, 0, true, kUntouched, false, 0},
-    {"current in a folder: the folder", 2, 1, 2, -1, true, kArea, false, 0},
-    {"current in a folder: another folder's layer", 2, 1, 1, 1, true, kUntouched, false, 0},
-};
-
 bool Contains(const RECT& rect, size_t index) {
     const auto x = static_cast<int32_t>(index) % kWidth;
     const auto y = static_cast<int32_t>(index) / kWidth;
@@ -67,24 +36,6 @@ struct CopyRun : FilterRun<NegaImageProcess> {
                                });
     }
 };
-
-TEST(Target, SelectsByTypeAndPosition) {
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.what);
-        CopyRun run;
-        run.process.TargetType = c.target;
-        run.process.curSubLayer = c.curSubLayer;
-        EXPECT_EQ(run.Execute(c.layer, c.subLayer, &kArea, MergedResult::Announced), c.result);
-        EXPECT_TRUE(Equal(run.outRect, c.outRect));
-        EXPECT_EQ(run.resultCode, c.resultCode);
-        const bool fromMerged = c.pixels && Equal(c.outRect, kImage);
-        EXPECT_EQ(run.resultKind, fromMerged ? 1U : 0U);
-        for (size_t i = 0; i < kPixels; ++i) {
-            const RGBA16 source = fromMerged ? run.merged[i] : run.src[i];
-            EXPECT_EQ(run.dst[i], c.pixels && Contains(c.outRect, i) ? source : RGBA16{}) << i;
-        }
-    }
-}
 
 TEST(Target, LeavesOutputsAloneWithoutARectangleAndKeepsASilentResultSilent) {
     for (const int32_t target : {1, 2}) {
