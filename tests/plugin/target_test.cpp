@@ -12,7 +12,6 @@ namespace {
 constexpr int32_t kWidth = 5;
 constexpr int32_t kHeight = 4;
 constexpr size_t kPixels = size_t{kWidth} * kHeight;
-constexpr RECT kArea{1, 1, 4, 3};
 constexpr RECT kImage{0, 0, kWidth, kHeight};
 
 bool Contains(const RECT& rect, size_t index) {
