@@ -3,6 +3,7 @@
 
 #include "lib/image/resample/average_forms.h"
 #include "lib/image/resample/prepare.h"
+#include "lib/image/resample/stride.h"
 #include "lib/image/resample/weighted_sum.h"
 #include "lib/image/simd/simd.h"
 
@@ -53,29 +54,15 @@ struct AverageColumns {
     std::vector<AverageColumnRun> runs;
 };
 
-constexpr size_t kRunColumns = 8;
-
-/// The stride of the eight columns from `i` on, see AverageColumnRun; `taps` is the most of them.
-int32_t FindStride(const AverageColumns& columns, size_t i, int32_t taps, int32_t sourceWidth) {
-    if (taps == 0 || i + kRunColumns > columns.count) {
-        return 0;
-    }
-    const int32_t* const index = &columns.indices[i];
-    const int32_t stride = index[1] - index[0];
-    if (stride < 2 || stride > 3 ||
-        sourceWidth - index[0] < taps - 1 + stride * static_cast<int32_t>(kRunColumns)) {
+/// The stride of the run from `i` on, see AverageColumnRun; `taps` is the most of its columns.
+int32_t FindRunStride(const AverageColumns& columns, size_t i, int32_t taps, int32_t sourceWidth) {
+    const int32_t stride = taps == 0 ? 0 : FindStride(columns.indices, i, taps - 1, sourceWidth);
+    if (stride == 0 || taps < stride) {
         return 0;
     }
     // The other taps follow the first where none of them is cut off at an end of the row.
-    if (index[static_cast<size_t>(taps - 1) * columns.count] != index[0] + taps - 1) {
-        return 0;
-    }
-    for (size_t n = 2; n < kRunColumns; ++n) {
-        if (index[n] - index[n - 1] != stride) {
-            return 0;
-        }
-    }
-    return stride;
+    const size_t last = static_cast<size_t>(taps - 1) * columns.count + i;
+    return columns.indices[last] == columns.indices[i] + taps - 1 ? stride : 0;
 }
 
 AverageColumns FindColumns(const ResampleAxis& axis) {
@@ -90,7 +77,7 @@ AverageColumns FindColumns(const ResampleAxis& axis) {
     columns.runs.resize(columns.count);
     for (size_t i = 0; i < axis.Count(); ++i) {
         const Span span = FindSpan(axis, i);
-        for (size_t n = i - std::min(i, kRunColumns - 1); n <= i; ++n) {
+        for (size_t n = i - std::min(i, kStrideColumns - 1); n <= i; ++n) {
             columns.runs[n].taps =
                 std::max(columns.runs[n].taps, static_cast<int32_t>(span.Count()));
         }
@@ -110,7 +97,7 @@ AverageColumns FindColumns(const ResampleAxis& axis) {
         }
     }
     for (size_t i = 0; i < columns.count; ++i) {
-        columns.runs[i].stride = FindStride(columns, i, columns.runs[i].taps, axis.sourceLimit);
+        columns.runs[i].stride = FindRunStride(columns, i, columns.runs[i].taps, axis.sourceLimit);
     }
     return columns;
 }
@@ -195,6 +182,8 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
                 {rows.IsInClip(index) ? SourceRow(source, index) : nullptr, span.Weight(index)});
         }
         const bool isRepeated = means.IsRepeated(taps, rows.coverage[j]);
+        const bool isWhole = std::ranges::all_of(
+            taps, [](const AverageTap& tap) { return tap.pixels != nullptr && tap.weight == 1; });
         const AverageRow row{resampling->TargetRow(destination, j),
                              taps.data(),
                              taps.size(),
@@ -207,6 +196,7 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
                              columns.runs.data(),
                              isRepeated ? means.Scales() : nullptr,
                              isRepeated ? means.Alphas() : nullptr,
+                             isWhole,
                              resampling->columns.coverage.data(),
                              rows.coverage[j],
                              source.width,

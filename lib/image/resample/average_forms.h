@@ -44,6 +44,7 @@ struct AverageRow {
     const AverageColumnRun* runs;
     double* opaqueScales;  ///< null in a row weighted otherwise than the one before it
     double* opaqueAlphas;
+    bool isWhole;  ///< all source rows have pixels and the weight 1
     const double* coverage;
     double rowCoverage;
     int32_t sourceWidth;

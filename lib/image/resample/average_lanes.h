@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lib/image/resample/average_forms.h"
+#include "lib/image/resample/stride.h"
 #include "lib/image/resample/weighted_sum_lanes.h"
 #include "lib/image/simd/fetch_ahead.h"
 
@@ -20,17 +21,25 @@ template <typename Lanes, int kStride>
 static inline void ForEachTap(const AverageRow& row, const RGBA16* source, size_t i, auto&& add) {
     const size_t columns = row.columns;
     const size_t end = static_cast<size_t>(row.runs[i].taps) * columns;
+    size_t entry = i;
     if constexpr (kStride == 0) {
         const int32_t* const indices = row.indices;
         const int32_t width = row.sourceWidth;
-        for (size_t entry = i; entry < end; entry += columns) {
+        for (; entry < end; entry += columns) {
             add(typename Lanes::Picker(indices + entry, width).Pick(source), entry);
         }
     } else {
+        using Comb = typename Lanes::template Comb<kStride>;
         const RGBA16* pixels = source + row.indices[i];
-        for (size_t entry = i; entry < end; entry += columns) {
-            add(Lanes::template LoadEvery<kStride>(pixels), entry);
-            ++pixels;
+        const Comb comb(pixels);
+        add(comb.template Every<0>(), entry);
+        add(comb.template Every<1>(), entry += columns);
+        if constexpr (kStride == 3) {
+            add(comb.template Every<2>(), entry += columns);
+        }
+        pixels += kStride;
+        while ((entry += columns) < end) {
+            add(Comb(pixels++).template Every<0>(), entry);
         }
     }
 }
@@ -49,7 +58,8 @@ static inline void AddArea(typename Lanes::Doubles& area, const AverageRow& row,
 
 /// Adds up as if all pixels were opaque; false when they are not. kWithArea: also the area.
 template <typename Lanes, int kStride, bool kWithArea>
-static inline bool SumOpaque(AverageSums<Lanes>& sums, const AverageRow& row, size_t i) {
+[[gnu::always_inline]] static inline bool SumOpaque(AverageSums<Lanes>& sums, const AverageRow& row,
+                                                    size_t i) {
     auto missing = typename Lanes::Pixels{};
     const AverageTap* const end = row.rows + row.rowCount;
     for (const AverageTap* tap = row.rows; tap != end; ++tap) {
@@ -91,34 +101,28 @@ static inline void SumTranslucent(AverageSums<Lanes>& sums, const AverageRow& ro
         const double* const weights = row.pixelWeights;
         const auto weight = Lanes::Set(tap->weight);
         ForEachTap<Lanes, kStride>(row, tap->pixels, i, [&](auto pixels, size_t entry) {
-            // Transparent pixels would add zeros.
-            if (Lanes::Any(Lanes::Visible(pixels))) {
-                sums.sum.Add(pixels, Lanes::Load(weights + entry) * weight);
-            }
+            sums.sum.Add(pixels, Lanes::Load(weights + entry) * weight);
         });
     }
 }
 
-/// Draws what the mean of opaque pixels needs no more than their colours for, as the weights are
-/// those of an earlier row; false when the pixels or the row are otherwise.
+/// Whether the pixels of a vector add nothing but zeros.
 template <typename Lanes, int kStride>
-static inline bool DrawKnownOpaque(const AverageRow& row, size_t i, bool streaming) {
-    if (row.opaqueScales == nullptr) {
-        return false;
+static inline bool AreTransparent(const AverageRow& row, size_t i) {
+    auto all = typename Lanes::Pixels{};
+    const AverageTap* const end = row.rows + row.rowCount;
+    for (const AverageTap* tap = row.rows; tap != end; ++tap) {
+        if (tap->pixels != nullptr) {
+            ForEachTap<Lanes, kStride>(row, tap->pixels, i, [&](auto pixels, size_t /*entry*/) {
+                all = Lanes::Union(all, pixels);
+            });
+        }
     }
-    const auto scale = Lanes::Load(row.opaqueScales + i);
-    const auto known = Lanes::Greater(scale, Lanes::Set(0));
-    AverageSums<Lanes> sums;
-    if (!Lanes::All(known) || !SumOpaque<Lanes, kStride, false>(sums, row, i)) {
-        return false;
-    }
-    const auto alpha = Lanes::Load(row.opaqueAlphas + i);
-    Lanes::Store(row.dst + i, sums.sum.Mean(scale, alpha), known, streaming);
-    return true;
+    return !Lanes::Any(Lanes::Visible(all));
 }
 
 template <typename Lanes, int kStride>
-static inline void DrawAverage(const AverageRow& row, size_t i, bool streaming) {
+[[gnu::always_inline]] static inline void FetchRowsAhead(const AverageRow& row, size_t i) {
     if constexpr (kStride > 0) {
         for (size_t j = 0; j < row.rowCount; ++j) {
             if (row.rows[j].pixels != nullptr) {
@@ -126,15 +130,77 @@ static inline void DrawAverage(const AverageRow& row, size_t i, bool streaming) 
             }
         }
     }
-    // Most vectors are opaque or not from their first pixel on; for others the sum begins anew.
-    const bool isPromising = row.rowCount > 0 && row.runs[i].taps > 0 &&
-                             row.rows[0].pixels != nullptr &&
-                             row.rows[0].pixels[row.indices[i]].a == kFullScale;
-    if (isPromising && DrawKnownOpaque<Lanes, kStride>(row, i, streaming)) {
+}
+
+/// SumOpaque of rows of weight 1 and columns none of which has more taps than the stride of their
+/// run: they have the same shares in all rows.
+template <typename Lanes, int kStride>
+[[gnu::always_inline]] static inline bool SumWhole(WeightedSumLanes<Lanes>& sum,
+                                                   const AverageRow& row, size_t i) {
+    using Share = typename WeightedSumLanes<Lanes>::Share;
+    const double* const shares = row.opaqueShares + i;
+    const Share first(Lanes::Load(shares));
+    const Share second(Lanes::Load(shares + row.columns));
+    const Share last(Lanes::Load(shares + (kStride - 1) * row.columns));
+    auto missing = typename Lanes::Pixels{};
+    const auto add = [&](auto pixels, const Share& share) {
+        missing = Lanes::Union(missing, Lanes::NotOpaque(pixels));
+        sum.AddShare(pixels, share);
+    };
+    const int32_t index = row.indices[i];
+    const AverageTap* const end = row.rows + row.rowCount;
+    for (const AverageTap* tap = row.rows; tap != end; ++tap) {
+        const typename Lanes::template Comb<kStride> comb(tap->pixels + index);
+        add(comb.template Every<0>(), first);
+        add(comb.template Every<1>(), second);
+        if constexpr (kStride == 3) {
+            add(comb.template Every<2>(), last);
+        }
+    }
+    return !Lanes::Any(Lanes::Visible(missing));
+}
+
+template <typename Lanes, int kStride>
+[[gnu::always_inline]] static inline bool SumKnownOpaque(AverageSums<Lanes>& sums,
+                                                         const AverageRow& row, size_t i) {
+    if constexpr (kStride > 0) {
+        if (row.isWhole && row.runs[i].taps == kStride) {
+            return SumWhole<Lanes, kStride>(sums.sum, row, i);
+        }
+    }
+    return SumOpaque<Lanes, kStride, false>(sums, row, i);
+}
+
+/// Draws columns of [begin, end) as long as the means of opaque pixels need no more than their
+/// colours, the weights being those of an earlier row. Returns the first column that is not drawn.
+/// Not inlined, so that the constants stay in registers.
+template <typename Lanes, int kStride>
+[[gnu::noinline]] static size_t DrawKnownOpaque(const AverageRow& row, size_t begin, size_t end,
+                                                bool streaming) {
+    size_t i = begin;
+    for (; i < end && row.rows[0].pixels[row.indices[i]].a == kFullScale; i += Lanes::kCount) {
+        FetchRowsAhead<Lanes, kStride>(row, i);
+        const auto scale = Lanes::Load(row.opaqueScales + i);
+        const auto known = Lanes::Greater(scale, Lanes::Set(0));
+        AverageSums<Lanes> sums;
+        if (!Lanes::All(known) || !SumKnownOpaque<Lanes, kStride>(sums, row, i)) {
+            break;
+        }
+        const auto alpha = Lanes::Load(row.opaqueAlphas + i);
+        Lanes::Store(row.dst + i, sums.sum.Mean(scale, alpha), known, streaming);
+    }
+    return i;
+}
+
+/// Draws a vector of which nothing is known from earlier rows.
+template <typename Lanes, int kStride>
+static inline void DrawAverage(const AverageRow& row, size_t i, uint16_t firstAlpha,
+                               bool streaming) {
+    if (firstAlpha == 0 && AreTransparent<Lanes, kStride>(row, i)) {
         return;
     }
     AverageSums<Lanes> sums;
-    const bool isOpaque = isPromising && SumOpaque<Lanes, kStride, true>(sums, row, i);
+    const bool isOpaque = firstAlpha == kFullScale && SumOpaque<Lanes, kStride, true>(sums, row, i);
     if (!isOpaque) {
         sums = {};
         SumTranslucent<Lanes, kStride>(sums, row, i);
@@ -155,16 +221,34 @@ static inline void DrawAverage(const AverageRow& row, size_t i, bool streaming) 
     }
 }
 
-template <typename Lanes>
-static void AverageLanes(const AverageRow& row, size_t i, bool streaming) {
-    switch (row.runs[i].stride) {
-        case 2:
-            return DrawAverage<Lanes, 2>(row, i, streaming);
-        case 3:
-            return DrawAverage<Lanes, 3>(row, i, streaming);
-        default:
-            return DrawAverage<Lanes, 0>(row, i, streaming);
+/// Draws the columns [begin, end), whose runs have the same stride.
+template <typename Lanes, int kStride>
+static inline void DrawAverages(const AverageRow& row, size_t begin, size_t end, bool streaming) {
+    const bool hasPixels = row.rowCount > 0 && row.taps > 0 && row.rows[0].pixels != nullptr;
+    size_t i = begin;
+    while (i < end) {
+        // Most vectors are opaque, or transparent, as their first pixel is.
+        const uint16_t firstAlpha = hasPixels ? row.rows[0].pixels[row.indices[i]].a : 1;
+        const size_t known = firstAlpha == kFullScale && row.opaqueScales != nullptr
+                                 ? DrawKnownOpaque<Lanes, kStride>(row, i, end, streaming)
+                                 : i;
+        if (known > i) {
+            i = known;
+        } else {
+            FetchRowsAhead<Lanes, kStride>(row, i);
+            DrawAverage<Lanes, kStride>(row, i, firstAlpha, streaming);
+            i += Lanes::kCount;
+        }
     }
+}
+
+template <typename Lanes>
+static void AverageLanes(const AverageRow& row, size_t begin, size_t end, bool streaming) {
+    ForEachStride<Lanes::kCount>(
+        begin, end, [&](size_t i) { return row.runs[i].stride; },
+        [&]<int kStride>(size_t first, size_t last) {
+            DrawAverages<Lanes, kStride>(row, first, last, streaming);
+        });
 }
 
 }  // namespace imgbasic

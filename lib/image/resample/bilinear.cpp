@@ -2,6 +2,7 @@
 
 #include "lib/image/resample/bilinear_forms.h"
 #include "lib/image/resample/prepare.h"
+#include "lib/image/resample/stride.h"
 #include "lib/image/resample/weighted_sum.h"
 #include "lib/image/simd/simd.h"
 
@@ -95,6 +96,21 @@ std::vector<size_t> FindEndsOfAscent(const Samples& columns) {
     return ends;
 }
 
+/// For each column, the FindStride of the left pixels from there on if the right ones follow them.
+std::vector<uint8_t> FindPairStrides(const Samples& columns, int32_t sourceWidth) {
+    const std::vector<int32_t>& low = columns.low.index;
+    const std::vector<int32_t>& high = columns.high.index;
+    std::vector<uint8_t> strides(low.size());
+    size_t pairs = 0;
+    for (size_t i = low.size(); i > 0; --i) {
+        pairs = high[i - 1] == low[i - 1] + 1 ? pairs + 1 : 0;
+        if (pairs >= kStrideColumns) {
+            strides[i - 1] = static_cast<uint8_t>(FindStride(low, i - 1, 0, sourceWidth));
+        }
+    }
+    return strides;
+}
+
 /// BilinearRow::doubled; empty when no columns are.
 std::vector<uint8_t> FindDoubled(const Samples& columns, const std::vector<double>& coverage) {
     const Side& low = columns.low;
@@ -162,6 +178,7 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
     }
     const Samples columns = FindSamples(resampling->columns, boundary);
     const std::vector<size_t> ends = FindEndsOfAscent(columns);
+    const std::vector<uint8_t> strides = FindPairStrides(columns, source.width);
     const std::vector<uint8_t> doubled = FindDoubled(columns, resampling->columns.coverage);
     const Samples rows = FindSamples(resampling->rows, boundary);
     const size_t columnCount = resampling->columns.Count();
@@ -176,6 +193,7 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
                               lower,
                               columns.low.Columns(),
                               columns.high.Columns(),
+                              strides.data(),
                               showsDoubled ? doubled.data() : nullptr,
                               resampling->columns.coverage.data(),
                               resampling->rows.coverage[j],

@@ -34,6 +34,7 @@ struct BilinearRow {
     BilinearSourceRow lower;
     BilinearColumns left;
     BilinearColumns right;
+    const uint8_t* strides;  ///< see FindPairStrides
     const uint8_t* doubled;  ///< 1: kDoubledColumns from here on are doubled; null: none are
     const double* coverage;
     double rowCoverage;

@@ -34,18 +34,8 @@ struct DoubledRow : BilinearRow {
         Doubles scale;
         Doubles alpha;
 
-        /// The shares are those of a column's left and right pixels.
-        Column(double rowCoverage, const Share& upperLeft, const Share& upperRight,
-               const Share& lowerLeft, const Share& lowerRight) {
-            const typename Lanes::Pixels pixels{};
-            WeightedSumLanes<Lanes> sum;
-            sum.AddShare(pixels, upperLeft);
-            sum.AddShare(pixels, upperRight);
-            sum.AddShare(pixels, lowerLeft);
-            sum.AddShare(pixels, lowerRight);
-            scale = sum.Scale();
-            alpha = sum.Alpha(Lanes::Set(rowCoverage));
-        }
+        Column(const WeightedSumLanes<Lanes>& weights, double rowCoverage)
+            : scale(weights.Scale()), alpha(weights.Alpha(Lanes::Set(rowCoverage))) {}
     };
 
     Shares inUpper;
@@ -57,74 +47,73 @@ struct DoubledRow : BilinearRow {
         : BilinearRow(row),
           inUpper(row.upper.weight),
           inLower(row.lower.weight),
-          leftFar(rowCoverage, inUpper.ofFar, inUpper.ofNear, inLower.ofFar, inLower.ofNear),
-          rightFar(rowCoverage, inUpper.ofNear, inUpper.ofFar, inLower.ofNear, inLower.ofFar) {}
-};
+          leftFar(SharesOf<true>().Weights(), rowCoverage),
+          rightFar(SharesOf<false>().Weights(), rowCoverage) {}
 
-/// The sums of one colour channel in the columns whose left pixel, or whose right one, is far.
-template <typename Lanes, int kChannel, bool kLeftFar>
-static inline typename Lanes::Doubles ChannelSum(const DoubledRow<Lanes>& row,
-                                                 const typename Lanes::Pixels* upper,
-                                                 const typename Lanes::Pixels* lower) {
-    const auto part = [](auto pixels, const auto& share) {
-        return WeightedSumLanes<Lanes>::template Part<kChannel>(pixels, share);
-    };
-    const auto& [upperFar, upperNear] = row.inUpper;
-    const auto& [lowerFar, lowerNear] = row.inLower;
-    if constexpr (kLeftFar) {
-        return part(upper[0], upperFar) + part(upper[1], upperNear) + part(lower[0], lowerFar) +
-               part(lower[1], lowerNear);
-    } else {
-        return part(upper[0], upperNear) + part(upper[1], upperFar) + part(lower[0], lowerNear) +
-               part(lower[1], lowerFar);
+    /// The shares in columns whose left pixel, or whose right one, is far.
+    template <bool kLeftFar>
+    CornerShares<Lanes> SharesOf() const {
+        if constexpr (kLeftFar) {
+            return {inUpper.ofFar, inUpper.ofNear, inLower.ofFar, inLower.ofNear};
+        } else {
+            return {inUpper.ofNear, inUpper.ofFar, inLower.ofNear, inLower.ofFar};
+        }
     }
-}
 
-template <typename Lanes, bool kLeftFar>
-static inline typename Lanes::Pixels ColumnsOfKind(const DoubledRow<Lanes>& row,
-                                                   const typename Lanes::Pixels* upper,
-                                                   const typename Lanes::Pixels* lower) {
-    const auto& [scale, alpha] = kLeftFar ? row.leftFar : row.rightFar;
-    return Lanes::Pack(scale * ChannelSum<Lanes, 0, kLeftFar>(row, upper, lower),
-                       scale * ChannelSum<Lanes, 1, kLeftFar>(row, upper, lower),
-                       scale * ChannelSum<Lanes, 2, kLeftFar>(row, upper, lower), alpha);
-}
+    template <bool kLeftFar>
+    typename Lanes::Pixels Draw(const Corners<Lanes>& pixels) const {
+        const auto& [scale, alpha] = kLeftFar ? leftFar : rightFar;
+        return SharesOf<kLeftFar>().Sum(pixels).Mean(scale, alpha);
+    }
+};
 
 /// Draws two vectors of columns from `i` on if their pixels are opaque, else returns false.
 template <typename Lanes>
-static inline bool DrawOpaqueDoubled(const DoubledRow<Lanes>& row, size_t i, bool streaming) {
+[[gnu::always_inline]] static inline bool DrawOpaqueDoubled(const DoubledRow<Lanes>& row, size_t i,
+                                                            bool streaming) {
     const RGBA16* const above = row.upper.pixels + row.left.index[i];
     const RGBA16* const below = row.lower.pixels + row.left.index[i];
-    if (above->a != kFullScale) {
-        return false;
-    }
     const bool leftFarFirst = row.left.weight[i] == kFarWeight;
     // Where the right pixel of the first column is the far one, the second has the same two.
     const size_t last = leftFarFirst ? 2 : 1;
-    const typename Lanes::Pixels upper[] = {Lanes::Load(above), Lanes::Load(above + 1),
-                                            Lanes::Load(above + last)};
-    const typename Lanes::Pixels lower[] = {Lanes::Load(below), Lanes::Load(below + 1),
-                                            Lanes::Load(below + last)};
-    if (!AreOpaque<Lanes>(upper[0], upper[1], upper[2], lower[0], lower[1], lower[2])) {
+    const Corners<Lanes> first{Lanes::Load(above), Lanes::Load(above + 1), Lanes::Load(below),
+                               Lanes::Load(below + 1)};
+    const Corners<Lanes> next{first.upperRight, Lanes::Load(above + last), first.lowerRight,
+                              Lanes::Load(below + last)};
+    if (!AreOpaque<Lanes>(first.upperLeft, first.upperRight, next.upperRight, first.lowerLeft,
+                          first.lowerRight, next.lowerRight)) {
         return false;
     }
     const auto [low, high] =
-        leftFarFirst ? Lanes::Interleave(ColumnsOfKind<Lanes, true>(row, upper, lower),
-                                         ColumnsOfKind<Lanes, false>(row, upper + 1, lower + 1))
-                     : Lanes::Interleave(ColumnsOfKind<Lanes, false>(row, upper, lower),
-                                         ColumnsOfKind<Lanes, true>(row, upper, lower));
-    const auto all = Lanes::Visible(upper[0]);
+        leftFarFirst
+            ? Lanes::Interleave(row.template Draw<true>(first), row.template Draw<false>(next))
+            : Lanes::Interleave(row.template Draw<false>(first), row.template Draw<true>(first));
+    const auto all = Lanes::Visible(first.upperLeft);
     Lanes::Store(row.dst + i, low, all, streaming);
     Lanes::Store(row.dst + i + Lanes::kCount, high, all, streaming);
     return true;
 }
 
+/// Most vectors are opaque or not from their first pixel on.
 template <typename Lanes>
-static void DoubledLanes(const DoubledRow<Lanes>& row, size_t i, bool streaming) {
-    static_assert(2 * Lanes::kCount <= kDoubledColumns);
-    if (row.doubled[i] == 0 || !DrawOpaqueDoubled(row, i, streaming)) {
-        BilinearLanes<Lanes>(row, i, streaming);
-        BilinearLanes<Lanes>(row, i + Lanes::kCount, streaming);
+static inline bool MayBeDoubled(const DoubledRow<Lanes>& row, size_t i) {
+    return row.doubled[i] != 0 && row.upper.pixels[row.left.index[i]].a == kFullScale;
+}
+
+template <typename Lanes>
+static void DoubledLanes(const DoubledRow<Lanes>& row, size_t begin, size_t end, bool streaming) {
+    constexpr size_t kStep = 2 * Lanes::kCount;
+    static_assert(kStep <= kDoubledColumns);
+    size_t i = begin;
+    while (i < end) {
+        size_t next = i + kStep;
+        if (!MayBeDoubled(row, i) || !DrawOpaqueDoubled(row, i, streaming)) {
+            while (next < end && !MayBeDoubled(row, next)) {
+                next += kStep;
+            }
+            BilinearLanes<Lanes>(row, i, next, streaming);
+        }
+        i = next;
     }
 }
 

@@ -48,20 +48,16 @@ class WeightedSumLanes {
 
     /// A part of the alpha sum, and the same as Part needs it beside.
     struct Share {
-        Doubles share;
-        Doubles raised;
+        Doubles share = Lanes::Set(0);
+        Doubles raised = Lanes::Set(0);
 
+        Share() = default;
         explicit Share(Doubles value) : share(value), raised(value * Lanes::Set(kRaise)) {}
     };
 
     void Add(typename Lanes::Pixels pixels, Doubles weights) {
         const Doubles alpha = Lanes::RaisedAlpha(pixels) - Lanes::Set(kRaise);
         AddShare(pixels, Share(RaisedOverFullScale<Lanes>(alpha * weights)));
-    }
-
-    /// Add of opaque pixels.
-    void AddOpaque(typename Lanes::Pixels pixels, Doubles weights) {
-        AddShare(pixels, Share(OpaqueShare<Lanes>(weights)));
     }
 
     /// Adds pixels whose part of the alpha sum is known: for opaque ones, OpaqueShare.

@@ -29,6 +29,9 @@ struct Avx2Lanes {
     static Mask Greater(Doubles a, Doubles b) {
         return _mm256_castpd_si256(_mm256_cmp_pd(a, b, _CMP_GT_OQ));
     }
+    static Mask Equal(Doubles a, Doubles b) {
+        return _mm256_castpd_si256(_mm256_cmp_pd(a, b, _CMP_EQ_OQ));
+    }
     static Mask Both(Mask a, Mask b) { return _mm256_and_si256(a, b); }
     static Doubles Select(Mask mask, Doubles yes, Doubles no) {
         return _mm256_blendv_pd(no, yes, _mm256_castsi256_pd(mask));
@@ -104,23 +107,55 @@ struct Avx2Lanes {
                 _mm256_permute2x128_si256(even, odd, 0x31)};
     }
 
-    /// Every second or every third pixel; all of the four times as many are read.
+    /// Four times as many neighbouring pixels, to take every second or every third of.
     ///
     ///      pixels     | 0 | 1 | 2 | 3 |   | 4 | 5 | 6 | 7 |   | 8 | 9 | 10 | 11 |
     ///      second     | 0 | 4 | 2 | 6 |       unpacked, then permuted
     ///      third      | 0 | 9 | 6 | 3 |       blended, then permuted
     template <int kStride>
-    static Pixels LoadEvery(const RGBA16* pixels) {
-        static_assert(kStride == 2 || kStride == 3);
-        if constexpr (kStride == 2) {
-            return _mm256_permute4x64_epi64(_mm256_unpacklo_epi64(Load(pixels), Load(pixels + 4)),
-                                            _MM_SHUFFLE(3, 1, 2, 0));
-        } else {
-            const Pixels early = _mm256_blend_epi32(Load(pixels), Load(pixels + 4), 0b0011'0000);
-            return _mm256_permute4x64_epi64(
-                _mm256_blend_epi32(early, Load(pixels + 8), 0b0000'1100), _MM_SHUFFLE(1, 2, 3, 0));
+    class Comb {
+      public:
+        explicit Comb(const RGBA16* pixels) : first_(Load(pixels)), second_(Load(pixels + 4)) {
+            static_assert(kStride == 2 || kStride == 3);
+            if constexpr (kStride == 3) {
+                third_ = Load(pixels + 8);
+            }
         }
-    }
+
+        /// The pixels kFirst, kFirst + kStride, ...
+        template <int kFirst>
+        Pixels Every() const {
+            static_assert(kFirst < kStride);
+            if constexpr (kStride == 2) {
+                const Pixels unpacked = kFirst == 0 ? _mm256_unpacklo_epi64(first_, second_)
+                                                    : _mm256_unpackhi_epi64(first_, second_);
+                return _mm256_permute4x64_epi64(unpacked, _MM_SHUFFLE(3, 1, 2, 0));
+            } else {
+                constexpr int kOfSecond = Places(kFirst, 1);
+                constexpr int kOfThird = Places(kFirst, 2);
+                constexpr int kOrder =
+                    _MM_SHUFFLE((kFirst + 9) % 4, (kFirst + 6) % 4, (kFirst + 3) % 4, kFirst);
+                const Pixels early = _mm256_blend_epi32(first_, second_, kOfSecond);
+                const Pixels blended = _mm256_blend_epi32(early, third_, kOfThird);
+                return _mm256_permute4x64_epi64(blended, kOrder);
+            }
+        }
+
+      private:
+        /// Which 32-bit lanes of a vector (0 to 2) hold every third pixel from `first` on.
+        static constexpr int Places(int first, int vector) {
+            int places = 0;
+            for (int n = 0; n < 4; ++n) {
+                const int pixel = first + 3 * n;
+                places |= pixel / 4 == vector ? 3 << pixel % 4 * 2 : 0;
+            }
+            return places;
+        }
+
+        Pixels first_;
+        Pixels second_;
+        [[maybe_unused]] Pixels third_;
+    };
 
     /// Fetches pixels at four ascending indices of a row one by one: faster than a gather on the
     /// processors that lack AVX-512, and no slower between other work than PickOnce.

@@ -27,6 +27,7 @@ struct Avx512Lanes {
         return _mm512_fmsub_pd(a, b, c);
     }
     static Mask Greater(Doubles a, Doubles b) { return _mm512_cmp_pd_mask(a, b, _CMP_GT_OQ); }
+    static Mask Equal(Doubles a, Doubles b) { return _mm512_cmp_pd_mask(a, b, _CMP_EQ_OQ); }
     static Mask Both(Mask a, Mask b) { return _kand_mask8(a, b); }
     static Doubles Select(Mask mask, Doubles yes, Doubles no) {
         return _mm512_mask_blend_pd(mask, no, yes);
@@ -100,19 +101,40 @@ struct Avx512Lanes {
         return {_mm512_permutex2var_epi64(a, low, b), _mm512_permutex2var_epi64(a, high, b)};
     }
 
-    /// Every second or every third pixel; all of the eight times as many are read.
+    /// Eight times as many neighbouring pixels, to take every second or every third of.
     template <int kStride>
-    static Pixels LoadEvery(const RGBA16* pixels) {
-        static_assert(kStride == 2 || kStride == 3);
-        const Pixels steps = _mm512_setr_epi64(0, 1, 2, 3, 4, 5, 6, 7);
-        const Pixels offsets = kStride == 2 ? _mm512_add_epi64(steps, steps)
-                                            : _mm512_mullo_epi64(steps, _mm512_set1_epi64(3));
-        const Pixels early = _mm512_permutex2var_epi64(Load(pixels), offsets, Load(pixels + 8));
-        // The last two of every third are the third register's, by the low bits of the offsets.
-        return kStride == 2
-                   ? early
-                   : _mm512_mask_permutexvar_epi64(early, 0xC0, offsets, Load(pixels + 16));
-    }
+    class Comb {
+      public:
+        explicit Comb(const RGBA16* pixels) : first_(Load(pixels)), second_(Load(pixels + 8)) {
+            static_assert(kStride == 2 || kStride == 3);
+            if constexpr (kStride == 3) {
+                third_ = Load(pixels + 16);
+            }
+        }
+
+        /// The pixels kFirst, kFirst + kStride, ...
+        template <int kFirst>
+        Pixels Every() const {
+            static_assert(kFirst < kStride);
+            const auto at = [](int n) { return (kFirst + n * kStride) % 16; };
+            const Pixels offsets =
+                _mm512_setr_epi64(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7));
+            const Pixels early = _mm512_permutex2var_epi64(first_, offsets, second_);
+            if constexpr (kStride == 2) {
+                return early;
+            } else {
+                // The third vector's are the last two, or three from the second pixel on: the low
+                // bits of the offsets are their places there.
+                constexpr Mask kLate = kFirst == 0 ? 0xC0 : 0xE0;
+                return _mm512_mask_permutexvar_epi64(early, kLate, offsets, third_);
+            }
+        }
+
+      private:
+        Pixels first_;
+        Pixels second_;
+        [[maybe_unused]] Pixels third_;
+    };
 
     /// Fetches pixels at eight ascending indices of a row, by loads and a permutation where the
     /// indices lie so close together that no load can leave the row (see Avx2Lanes). One load
