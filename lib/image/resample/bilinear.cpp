@@ -96,16 +96,20 @@ std::vector<size_t> FindEndsOfAscent(const Samples& columns) {
     return ends;
 }
 
-/// For each column, the FindStride of the left pixels from there on if the right ones follow them.
+/// BilinearRow::strides.
 std::vector<uint8_t> FindPairStrides(const Samples& columns, int32_t sourceWidth) {
-    const std::vector<int32_t>& low = columns.low.index;
-    const std::vector<int32_t>& high = columns.high.index;
-    std::vector<uint8_t> strides(low.size());
+    const Side& low = columns.low;
+    const Side& high = columns.high;
+    const auto isPair = [&](size_t i) {
+        return high.index[i] == low.index[i] + 1 && low.inside[i] == low.weight[i] &&
+               high.inside[i] == high.weight[i];
+    };
+    std::vector<uint8_t> strides(low.index.size());
     size_t pairs = 0;
-    for (size_t i = low.size(); i > 0; --i) {
-        pairs = high[i - 1] == low[i - 1] + 1 ? pairs + 1 : 0;
+    for (size_t i = strides.size(); i-- > 0;) {
+        pairs = isPair(i) ? pairs + 1 : 0;
         if (pairs >= kStrideColumns) {
-            strides[i - 1] = static_cast<uint8_t>(FindStride(low, i - 1, 0, sourceWidth));
+            strides[i] = static_cast<uint8_t>(FindStride(low.index, i, 0, sourceWidth));
         }
     }
     return strides;
@@ -139,7 +143,7 @@ std::vector<uint8_t> FindDoubled(const Samples& columns, const std::vector<doubl
     return any ? doubled : std::vector<uint8_t>();
 }
 
-/// Whether columns covered in full and inside the clip rectangle are drawn without fading.
+/// BilinearRow::isPlain.
 bool ArePlain(const BilinearSourceRow& upper, const BilinearSourceRow& lower) {
     return upper.inside == upper.weight && lower.inside == lower.weight &&
            upper.inside + lower.inside > kFullInside;
@@ -187,17 +191,18 @@ void ResampleBilinear(int32_t boundary, bool fadeAlpha, const ResampleTarget& de
     for (size_t j = 0; j < rowCount; ++j) {
         const BilinearSourceRow upper = rows.low.Row(j, source);
         const BilinearSourceRow lower = rows.high.Row(j, source);
-        const bool showsDoubled = !doubled.empty() && ArePlain(upper, lower);
+        const bool isPlain = ArePlain(upper, lower);
         const BilinearRow row{resampling->TargetRow(destination, j),
                               upper,
                               lower,
                               columns.low.Columns(),
                               columns.high.Columns(),
                               strides.data(),
-                              showsDoubled ? doubled.data() : nullptr,
+                              isPlain && !doubled.empty() ? doubled.data() : nullptr,
                               resampling->columns.coverage.data(),
                               resampling->rows.coverage[j],
                               source.width,
+                              isPlain,
                               needsInside,
                               needsInside && fadeAlpha,
                               StoreFor(columnCount * rowCount)};

@@ -25,6 +25,10 @@ struct BilinearSourceRow {
 
 /// One destination row to interpolate.
 ///
+/// Where the stride of the column i is 2 or 3, the left pixels of kStrideColumns from there on are
+/// so far apart, the right ones follow them, and as many times their number from the first on are
+/// in the row; what counts of either counts as inside.
+///
 /// Doubled columns are those of an enlargement to twice the width. Their two pixels are neighbours;
 /// the one of kFarWeight is in turn the left and the right, and two columns have the same one of
 /// kNearWeight. All of them are covered in full, and none fades.
@@ -34,11 +38,12 @@ struct BilinearRow {
     BilinearSourceRow lower;
     BilinearColumns left;
     BilinearColumns right;
-    const uint8_t* strides;  ///< see FindPairStrides
+    const uint8_t* strides;
     const uint8_t* doubled;  ///< 1: kDoubledColumns from here on are doubled; null: none are
     const double* coverage;
     double rowCoverage;
     int32_t sourceWidth;
+    bool isPlain;      ///< columns of which both pixels are inside are drawn without fading
     bool needsInside;  ///< pixels without any weight inside are left alone
     bool fade;         ///< alpha fades where little of the weight is inside
     Store store;

@@ -113,13 +113,14 @@ class OpaqueMeanOfColumns {
 };
 
 /// Stores the mean colours of the sum, whose alphas are those of `weights`, at the given scale.
-template <typename Lanes>
+/// kStride is that of the columns.
+template <typename Lanes, int kStride>
 static inline void StoreMean(const BilinearRow& row, size_t i, const WeightedSumLanes<Lanes>& sum,
                              const WeightedSumLanes<Lanes>& weights, typename Lanes::Doubles scale,
                              bool streaming) {
     auto drawn = weights.IsVisible();
     auto alpha = weights.Alpha(Lanes::Load(row.coverage + i) * Lanes::Set(row.rowCoverage));
-    if (row.needsInside) {
+    if (row.needsInside && (kStride == 0 || !row.isPlain)) {
         const auto inside = InsideLanes<Lanes>(row, i);
         const auto full = Lanes::Set(kFullInside);
         const auto little = Lanes::Greater(full, inside);
@@ -140,7 +141,8 @@ static inline void DrawInterpolated(const BilinearRow& row, size_t i,
     const auto& [upperLeft, upperRight, lowerLeft, lowerRight] = pixels;
     if (AreOpaque<Lanes>(upperLeft, upperRight, lowerLeft, lowerRight)) {
         const OpaqueMean<Lanes>& mean = means.template From<kStride>(row, i);
-        StoreMean(row, i, mean.shares.Sum(pixels), mean.weights, mean.scale, streaming);
+        StoreMean<Lanes, kStride>(row, i, mean.shares.Sum(pixels), mean.weights, mean.scale,
+                                  streaming);
         return;
     }
     const auto all =
@@ -157,7 +159,7 @@ static inline void DrawInterpolated(const BilinearRow& row, size_t i,
     sum.Add(upperRight, right * upper);
     sum.Add(lowerLeft, left * lower);
     sum.Add(lowerRight, right * lower);
-    StoreMean(row, i, sum, sum, sum.Scale(), streaming);
+    StoreMean<Lanes, kStride>(row, i, sum, sum, sum.Scale(), streaming);
 }
 
 template <typename Lanes, int kStride>
