@@ -291,7 +291,7 @@ TEST_F(DriverTest, GivesEveryLayerTheNewSize) {
         *args.outRect = {0, 0, 7, IsNamed(args, "bottom") ? 2 : 5};
         return !IsNamed(args, "top");
     };
-    request_.points = {{{0, -1}, 1, 1}, {{1, 0}, 2, 2}};
+    request_.points = {{{1, 0}, 1, 1}, {{0, -1}, 2, 2}};
     const RunOutcome outcome = Run();
     EXPECT_EQ(outcome.document.width, 7);
     EXPECT_EQ(outcome.document.height, 5);
