@@ -1,5 +1,3 @@
-#include "fuzz/openraster_check.h"
-
 #include <algorithm>
 #include <iterator>
 #include <string_view>
@@ -7,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "host/image_file.h"
 #include "host/openraster.h"
 #include "host/openraster_archive.h"

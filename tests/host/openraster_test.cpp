@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "fuzz/openraster_check.h"
+#include "fuzz/checks.h"
 #include "host/flatten.h"
 #include "tests/host/test_files.h"
 
@@ -127,7 +127,7 @@ TEST_F(OpenRaster, HostileFilesAreNamedWithTheirFault) {
     const std::string sky = image("<layer name='sky' src='a'/>");
     std::string deep = "<layer/>";
     for (int i = 0; i < 10000; ++i) {
-        deep = "<stack>" + deep + "</stack>";
+        deep.insert(0, "<stack>").append("</stack>");
     }
     const std::string hugeSize("\x7F\0\0\0\x7F\0\0\0", 8);
     const struct {
