@@ -52,6 +52,14 @@ TEST_F(DialogRules, RunTheHostOnceForEveryChange) {
     EXPECT_EQ(mono_.TargetType, 2);
 }
 
+TEST_F(DialogRules, AskAgainAfterARefusal) {
+    agrees = false;
+    for (const Press button : {Press::Preview, Press::Execute}) {
+        EXPECT_EQ(options_.CarryOut(button, std::vector{9, 1}), DialogEnd::Cancelled);
+    }
+    EXPECT_EQ(runs.size(), 2U);
+}
+
 TEST_F(DialogRules, ValidateTwoColorsAndReductionAlone) {
     const struct {
         const char* filter;
@@ -118,6 +126,7 @@ TEST_F(DialogRules, ScalingSettlesASizeWithinBounds) {
         EXPECT_EQ(process.RatioWidth, c.storedRatio);
         EXPECT_EQ(process.RatioHeight, c.storedRatio);
     }
+    EXPECT_EQ(RatioRange(-7).low, 100) << "no image counts as one pixel";
 }
 
 TEST_F(DialogRules, AskTheHostOnceWithoutAWindowAndStoreWhatItAgreedTo) {

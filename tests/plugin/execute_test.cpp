@@ -83,6 +83,7 @@ TEST(Scaling, ReportsItsSizeAloneWhenPixelsAreSkipped) {
     EXPECT_EQ(visit.outRect.right, 1);
     EXPECT_EQ(visit.dst, RGBA16{});
     visit.args.skipPixels = false;
+    visit.args.outRect = nullptr;
     EXPECT_TRUE(visit.Execute());
     EXPECT_EQ(visit.dst, visit.src);
 }
