@@ -79,41 +79,6 @@ TEST_P(Resample, DrawsLargeResultsAsTheScalarFormAtAnyAddress) {
     }
 }
 
-Image NearlyOpaque(int32_t width, int32_t height) {
-    Picture picture = MakePicture(width, height, Kind::Opaque);
-    picture.pixels[picture.pixels.size() / 2].a = 0x1234;
-    picture.pixels[picture.pixels.size() / 3].a = 0;
-    return Image(std::move(picture));
-}
-
-/// Of whole multiples, whose rows and columns are weighted alike.
-TEST_P(Resample, DrawsRegularRatiosAsTheScalarForm) {
-    constexpr int32_t kWidth = 75;
-    constexpr int32_t kHeight = 20;
-    const Image small = NearlyOpaque(kWidth, kHeight);
-    const auto compare = [&](Kernel kernel, const Image& source, const Image& size) {
-        Image drawn(size.width, size.height, RGBA16{});
-        Image expected = drawn;
-        // A column on the left and a row at the bottom take no part.
-        const PixelRect clip{1, 0, source.width, source.height - 1};
-        const auto draw = [&](Image& image) {
-            Draw(kernel, BoundaryRepeat, true, image.Target(image.Whole()),
-                 source.Source(source.Whole()), clip);
-        };
-        draw(drawn);
-        const ScopedSimdLevel scalar(SimdLevel::Scalar);
-        draw(expected);
-        return drawn.pixels == expected.pixels;
-    };
-    for (const int32_t ratio : {2, 3, 4}) {
-        const Image large = NearlyOpaque(ratio * kWidth, ratio * kHeight);
-        for (const Kernel kernel : kKernels) {
-            EXPECT_TRUE(compare(kernel, large, small)) << "1/" << ratio << ", kernel " << kernel;
-            EXPECT_TRUE(compare(kernel, small, large)) << ratio << ", kernel " << kernel;
-        }
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(Forms, Resample, kForms, FormName);
 
 struct OneLane {
