@@ -87,6 +87,13 @@ TEST(Flatten, KeepsTheDigitsOfAnOpacity) {
     }
 }
 
+TEST(Flatten, DrawsALayerWhereItIs) {
+    const std::vector<RGBA16> pixels{{}, {}, kBlack};
+    Document document = OneLayer(3, 1, 8, pixels);
+    document.items.push_back(document.items[0]);
+    EXPECT_EQ(Flatten(document), pixels);
+}
+
 /// The sum is of pictures in which every folder looked like the layer that its content flattens to.
 TEST(Flatten, ShowsRandomDocumentsAsRecorded) {
     Checksum sum("Flatten, random documents");
