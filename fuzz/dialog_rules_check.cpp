@@ -1,10 +1,9 @@
-#include "fuzz/dialog_rules_check.h"
-
 #include <algorithm>
 #include <climits>
 #include <iterator>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "plugin/imgbasic/dialogs/dialog_rules.h"
 #include "plugin/imgbasic/filter_table.h"
 #include "plugin/imgbasic/filters.h"

@@ -1,5 +1,3 @@
-#include "fuzz/exports_check.h"
-
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -9,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "fuzz/host_buffer.h"
 #include "plugin/imgbasic/entry.h"
 #include "plugin/imgbasic/filter_table.h"

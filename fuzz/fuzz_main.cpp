@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include IMGBASIC_CHECK_HEADER
+#include "fuzz/checks.h"
 
 /// Nobody's options, in memory, and gone after each input.
 extern "C" const char* ImgbasicSettingsFile() {

@@ -1,5 +1,3 @@
-#include "fuzz/inflate_check.h"
-
 #include <zlib.h>
 
 #include <algorithm>
@@ -7,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "lib/base/log.h"
 #include "lib/image/inflate/kv_inflate.h"
 

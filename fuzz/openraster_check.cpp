@@ -1,4 +1,3 @@
-#include "fuzz/openraster_check.h"
 #include <algorithm>
 #include <iterator>
 #include <string_view>
@@ -6,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "host/image_file.h"
 #include "host/openraster.h"
 #include "host/openraster_archive.h"
@@ -93,6 +93,8 @@ void Change(std::vector<Item>& items, int32_t width, int32_t height) {
     }
 }
 
+}  // namespace
+
 bool ComesBack(const Document& document) {
     const Document again =
         Read(EncodeOpenRaster(document, document.bitDepth, "fuzz"), Detail::Everything);
@@ -100,8 +102,6 @@ bool ComesBack(const Document& document) {
            again.bitDepth == document.bitDepth &&
            std::ranges::equal(again.items, document.items, IsSame);
 }
-
-}  // namespace
 
 std::string CheckOpenRaster(std::span<const uint8_t> data) {
     const auto bytes = std::as_bytes(data);

@@ -1,7 +1,6 @@
-#include "fuzz/raster_check.h"
-
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "host/image_file.h"
 #include "host/raster_file.h"
 

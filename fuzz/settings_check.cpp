@@ -1,5 +1,3 @@
-#include "fuzz/settings_check.h"
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -8,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "lib/base/ascii.h"
 #include "plugin/imgbasic/settings_store.h"
 

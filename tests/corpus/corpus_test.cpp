@@ -8,14 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/inflate_check.h"
-#ifdef IMGBASIC_ALL_CHECKS
-#include "fuzz/dialog_rules_check.h"
-#include "fuzz/exports_check.h"
-#include "fuzz/openraster_check.h"
-#include "fuzz/raster_check.h"
-#include "fuzz/settings_check.h"
-#endif
+#include "fuzz/checks.h"
 
 namespace imgbasic {
 namespace {

@@ -41,6 +41,13 @@ class CommandLine : public FileTest {
         return result;
     }
 
+    /// The same of what must succeed.
+    Result RunWell(const std::string& arguments) const {
+        Result result = Run(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        return result;
+    }
+
     /// An image of 8 bits a channel.
     void WriteImage(const std::string& name, uint32_t seed) const {
         SaveDocument(OneLayer(13, 9, 8, RandomDocuments(seed).Pixels(13 * 9, 8)), Path(name), {});

@@ -12,12 +12,11 @@ using testing::HasSubstr;
 TEST_F(CommandLine, OptionsReachTheFilterInEveryWayOfRunning) {
     WriteImage("a.png", 1);
     WriteImage("b.png", 2);
-    const Result result =
-        Run("imgbasic mono a.png -o flag.png --target all --threshold 7 &&"
-            "imgbasic mono --set TargetType=1 --set Threshold=7 a.png -o set.png &&"
-            "imgbasic mono a.png b.png -o batch/ --target all --threshold 7 &&"
-            "imgbasic mono a.png -o other.png --target all --threshold 200 --quiet");
-    EXPECT_EQ(result.status, 0) << result.err;
+    const Result result = RunWell(
+        "imgbasic mono a.png -o flag.png --target all --threshold 7 &&"
+        "imgbasic mono --set TargetType=1 --set Threshold=7 a.png -o set.png &&"
+        "imgbasic mono a.png b.png -o batch/ --target all --threshold 7 &&"
+        "imgbasic mono a.png -o other.png --target all --threshold 200 --quiet");
     EXPECT_EQ(result.out, "flag.png\nset.png\nbatch/a.png\nbatch/b.png\n");
     EXPECT_EQ(Bytes("set.png"), Bytes("flag.png"));
     EXPECT_EQ(Bytes("batch/a.png"), Bytes("flag.png"));
@@ -49,9 +48,8 @@ TEST_F(CommandLine, OnlyAnOpaquePictureKeepsItsBorderWhenScaled) {
     };
     for (const auto& test : cases) {
         const Result result =
-            Run("imgbasic scaling --ratio 133 --interp bilinear --force -o out/ " +
-                std::string(test.arguments));
-        EXPECT_EQ(result.status, 0) << result.err;
+            RunWell("imgbasic scaling --ratio 133 --interp bilinear --force -o out/ " +
+                    std::string(test.arguments));
         const std::string written = result.out.substr(0, result.out.find('\n'));
         EXPECT_EQ(Pixels(written).front().a == kFullScale, test.isOpaque) << test.arguments;
     }
@@ -59,12 +57,11 @@ TEST_F(CommandLine, OnlyAnOpaquePictureKeepsItsBorderWhenScaled) {
 
 TEST_F(CommandLine, TakesColorsAndSizesAsPeopleWriteThem) {
     WriteImage("in.png", 1);
-    const Result result =
-        Run("for c in 336699 '#336699' '#369'; do imgbasic gray in.png -o $c.png --tint draw "
-            "--draw-color $c; done; imgbasic scaling in.png -o a.png --ratio 150% && imgbasic "
-            "scaling in.png -o b.png --width 19 --height 13 && imgbasic scaling in.png -o c.png "
-            "--ratio 2/3 && imgbasic info c.png && imgbasic chan_decomp in.png -o d.png");
-    EXPECT_EQ(result.status, 0) << result.err;
+    const Result result = RunWell(
+        "for c in 336699 '#336699' '#369'; do imgbasic gray in.png -o $c.png --tint draw "
+        "--draw-color $c; done; imgbasic scaling in.png -o a.png --ratio 150% && imgbasic "
+        "scaling in.png -o b.png --width 19 --height 13 && imgbasic scaling in.png -o c.png "
+        "--ratio 2/3 && imgbasic info c.png && imgbasic chan_decomp in.png -o d.png");
     EXPECT_EQ(Bytes("#336699.png"), Bytes("336699.png"));
     EXPECT_EQ(Bytes("#369.png"), Bytes("336699.png"));
     EXPECT_EQ(Bytes("a.png"), Bytes("b.png"));
@@ -79,9 +76,7 @@ TEST_F(CommandLine, ARunInStripsIsTheRunOfTheWhole) {
     const Module module = LoadModule(FindModule());
     for (const char* filter : {"gray", "mono", "nega"}) {
         const RunRequest request{.filter = filter, .options = {Option(filter, "TargetType", 0)}};
-        const Result result =
-            Run(std::string("imgbasic ") + filter + " in.ora --target merged --force -o out.ora");
-        EXPECT_EQ(result.status, 0) << result.err;
+        RunWell(std::string("imgbasic ") + filter + " in.ora --target merged --force -o out.ora");
         const RunOutcome whole = RunFilter(module, document, request);
         const Document strips = LoadDocument(Path("out.ora"));
         EXPECT_EQ(std::get<Layer>(strips.items.at(0)).pixels,
@@ -105,13 +100,12 @@ TEST_F(CommandLine, FilteringAFileWhileItIsReadIsFilteringItRead) {
         SaveDocument(document, Path(isGray ? "turned_gray.jpg" : "turned.jpg"), {});
     }
     // What comes through a pipe is read to its end first.
-    const Result result =
-        Run("for f in gray.png rgb.png turned_gray.jpg turned.jpg; do for o in png jpg; do "
-            "imgbasic gray $f -o 1$f.$o --method ntsc && imgbasic gray - -o 2$f.$o --method ntsc "
-            "<$f && cmp 1$f.$o 2$f.$o && imgbasic run nega mono -- $f -o 3$f.$o && "
-            "imgbasic run nega mono -- - -o 4$f.$o <$f && cmp 3$f.$o 4$f.$o || exit 1; done; done; "
-            "imgbasic info 1turned.jpg.png; imgbasic nega gray.png -o n.png --verbose");
-    EXPECT_EQ(result.status, 0) << result.out << result.err;
+    const Result result = RunWell(
+        "for f in gray.png rgb.png turned_gray.jpg turned.jpg; do for o in png jpg; do "
+        "imgbasic gray $f -o 1$f.$o --method ntsc && imgbasic gray - -o 2$f.$o --method ntsc "
+        "<$f && cmp 1$f.$o 2$f.$o && imgbasic run nega mono -- $f -o 3$f.$o && "
+        "imgbasic run nega mono -- - -o 4$f.$o <$f && cmp 3$f.$o 4$f.$o || exit 1; done; done; "
+        "imgbasic info 1turned.jpg.png; imgbasic nega gray.png -o n.png --verbose");
     EXPECT_THAT(result.out, HasSubstr("1turned.jpg.png: 50 x 211 pixels"));
     EXPECT_THAT(result.err, HasSubstr("gray.png: nega, 211 x 50 pixels, "));
 }
@@ -154,8 +148,7 @@ TEST_F(CommandLine, RunsSeveralStepsAsSeveralCommandsWould) {
             "imgbasic run 'gray --method ntsc --target all' ' scaling  --width 77 ' "
             "'nega --layer 0' 'col_reduce --colors 9' -- "
             "$in -o run.png --depth 16 --force --verbose");
-        const Result result = Run(shell);
-        EXPECT_EQ(result.status, 0) << result.err;
+        const Result result = RunWell(shell);
         EXPECT_EQ(Bytes("run.png"), Bytes("4.png")) << in;
         EXPECT_THAT(result.err,
                     HasSubstr(std::string(in) + ": scaling, 200 x 100 to 77 x 39 pixels"));

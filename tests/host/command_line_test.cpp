@@ -5,18 +5,6 @@ namespace {
 
 using testing::HasSubstr;
 
-TEST_F(CommandLine, InvertsTwiceToTheSamePixels) {
-    WriteImage("in.png", 1);
-    const Result result =
-        Run("imgbasic nega in.png -o once.png --target merged && "
-            "imgbasic nega once.png -o twice.png --target merged");
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "once.png\ntwice.png\n");
-    EXPECT_EQ(result.err, "");
-    EXPECT_NE(Pixels("once.png"), Pixels("in.png"));
-    EXPECT_EQ(Pixels("twice.png"), Pixels("in.png"));
-}
-
 TEST_F(CommandLine, ReportsABadFileAndGoesOnWithTheOthers) {
     for (const char* name : {"a.png", "b.png", "c.png"}) {
         WriteImage(name, static_cast<uint32_t>(name[0]));
@@ -69,10 +57,9 @@ TEST_F(CommandLine, AWorkerThatIsKilledCostsOneFile) {
 TEST_F(CommandLine, WritesAFolderInAnotherFormat) {
     WriteImage("a.png", 1);
     SaveDocument(OneLayer(2, 2, 8, std::vector<RGBA16>(4)), Path("b.c.ora"), {});
-    const Result result =
-        Run("imgbasic nega a.png b.c.ora -o out/ --format tiff && "
-            "imgbasic mono a.png b.c.ora -o out --indexed --quiet && imgbasic info out/b.c.png");
-    EXPECT_EQ(result.status, 0) << result.err;
+    const Result result = RunWell(
+        "imgbasic nega a.png b.c.ora -o out/ --format tiff && "
+        "imgbasic mono a.png b.c.ora -o out --indexed --quiet && imgbasic info out/b.c.png");
     EXPECT_EQ(result.out,
               "out/a.tiff\nout/b.c.tiff\n"
               "out/b.c.png: 2 x 2 pixels, 8 bits a channel, png\n");
@@ -163,12 +150,10 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"nega in.png", 2, "no output is named; write -o OUT"},
         {"nega -o x.png", 2, "no input is named"},
         {"nega in.png -o x.png --jobs 0", 2, "--jobs: Value 0"},
-        {"nega in.png -o x.png --jobs -3", 2, "--jobs: Value -3"},
         {"nega in.png -o x.png --depth 12", 2, "--depth"},
         {"nega in.png -o x.png --target some", 2, "'some' is none of merged, all, current"},
         {"nega in.png -o x.png --sub-layer 0", 2, "--sub-layer requires --layer"},
         {"nega in.png -o x.png --set Threshold=1", 2, "the options are TargetType"},
-        {"mono in.png -o x.png --set Threshold=256", 2, "a whole number, 1 to 255"},
         {"nega in.png layers.ora -o x.png", 2, "several inputs need a folder"},
         {"nega in.png other/in.png -o out/", 2, "in.png and other/in.png would both become"},
         {"nega in.png layers.ora in.ora -o out/ --format png", 2, "in.png and in.ora would both"},
@@ -187,7 +172,6 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
         {"gray in.png -o x.png --draw-color 33669", 2, "'33669' is no colour"},
         {"scaling in.png -o x.png --ratio 1/0", 2, "'1/0' is no percentage"},
         {"chan_merge in.png -o x.png", 1, "none of a picture's channels; name one"},
-        {"gray in.png -o x.png --method luma", 2, "'luma' is none of average"},
         {"mono in.png -o x.png --threshold 256", 2, "--threshold: Value 256"},
         {"scaling in.png -o x.png", 2, "scaling needs a size"},
         {"scaling in.png -o x.png --width 8193", 2, "--width: Value 8193"},
@@ -225,13 +209,12 @@ TEST_F(CommandLine, SaysWhatIsWrongAndWritesNothing) {
 
 TEST_F(CommandLine, TellsOfOptionsWithoutEffect) {
     WriteImage("in.png", 1);
-    const Result result =
-        Run("imgbasic gray in.png -o a.png --draw-color 369 && "
-            "imgbasic gray in.png -o b.png --tint draw --draw-color '#369' && "
-            "imgbasic nega in.png -o c.png --target all --layer 0 && "
-            "imgbasic run nega 'scaling --ratio 50 --interp nearest --boundary clip' -- in.png -o "
-            "d.png");
-    EXPECT_EQ(result.status, 0);
+    const Result result = RunWell(
+        "imgbasic gray in.png -o a.png --draw-color 369 && "
+        "imgbasic gray in.png -o b.png --tint draw --draw-color '#369' && "
+        "imgbasic nega in.png -o c.png --target all --layer 0 && "
+        "imgbasic run nega 'scaling --ratio 50 --interp nearest --boundary clip' -- in.png -o "
+        "d.png");
     EXPECT_EQ(result.err,
               "--draw-color has no effect without --tint draw\n"
               "--layer has no effect with another --target than current\n"

@@ -20,25 +20,6 @@ using ImageFile = FileTest;
 /// The more threads the image library has, the likelier it is that they get in each other's way.
 const int manyThreads = setenv("VIPS_CONCURRENCY", "8", 1);
 
-TEST_F(ImageFile, LosslessFormatsGiveBackEveryPixelAtTheirDepth) {
-    struct Case {
-        const char* name;
-        int bitDepth;
-    };
-    for (const Case& c :
-         {Case{"p8.png", 8}, {"p16.png", 16}, {"t8.tif", 8}, {"t16.TIFF", 16}, {"w.webp", 8}}) {
-        SCOPED_TRACE(c.name);
-        RandomDocuments random(1);
-        const Document document = OneLayer(37, 23, c.bitDepth, random.Pixels(37 * 23, c.bitDepth));
-        EXPECT_THAT(SaveDocument(document, Path(c.name), {}), IsEmpty());
-        const Document loaded = LoadDocument(Path(c.name));
-        EXPECT_EQ(loaded.width, 37);
-        EXPECT_EQ(loaded.height, 23);
-        EXPECT_EQ(loaded.bitDepth, c.bitDepth);
-        EXPECT_TRUE(Flatten(loaded) == Flatten(document));
-    }
-}
-
 TEST_F(ImageFile, TheDepthAskedForGoesBeforeTheDocuments) {
     RandomDocuments random(2);
     const Document document = OneLayer(4, 4, 8, random.Pixels(16, 8));
@@ -120,7 +101,7 @@ TEST_F(ImageFile, WhatCannotBeWrittenLeavesTheFolderAsItWas) {
     // Too wide for the format: the encoder fails after the place was reserved.
     const Document wide = OneLayer(20000, 1, 8, std::vector<RGBA16>(20000));
     EXPECT_THAT(SaveError(wide, "wide.webp"), AllOf(HasSubstr("WebP"), Not(HasSubstr("\n"))));
-    constexpr auto kPrivate = std::filesystem::perms(0600);
+    constexpr auto kPrivate = std::filesystem::perms(0640);
     std::filesystem::permissions(Path("old.png"), kPrivate);
     (void)SaveDocument(document, Path("old.png"), {.overwrite = true});
     EXPECT_EQ(LoadDocument(Path("old.png")).width, 2);
@@ -175,9 +156,11 @@ TEST_F(ImageFile, ThePixelsDecideHowTheFileHoldsThem) {
             pixels.push_back(c.palette[i % c.palette.size()]);
         }
         const Document document = OneLayer(64, 64, c.bitDepth, pixels);
-        for (const char* name : {"c.png", "c.tif"}) {
-            (void)SaveDocument(document, Path(name), {.overwrite = true});
-            EXPECT_TRUE(Flatten(LoadDocument(Path(name))) == pixels);
+        for (const char* name : {"c.png", "c.tif", "c.webp"}) {
+            if (c.bitDepth == 8 || name != std::string("c.webp")) {
+                EXPECT_THAT(SaveDocument(document, Path(name), {.overwrite = true}), IsEmpty());
+                EXPECT_TRUE(Flatten(LoadDocument(Path(name))) == pixels) << name;
+            }
         }
         EXPECT_EQ(Bytes("c.png")[25], c.colorType);
         EXPECT_EQ(Bytes("c.png")[24], c.bits);

@@ -49,14 +49,12 @@ class ForeignOpenRaster : public CommandLine {
 };
 
 TEST_F(ForeignOpenRaster, ARunChangesOnlyTheLayerThatItWasGiven) {
-    const Result result = Run("imgbasic nega in.ora -o out.ora --layer 0");
-    EXPECT_EQ(result.status, 0) << result.err;
+    RunWell("imgbasic nega in.ora -o out.ora --layer 0");
     EXPECT_EQ(Others("out.ora", "data/wide.png"), Others("in.ora", "data/wide.png"));
     WriteBytes("wide.png", ZipEntry("out.ora", "data/wide.png"));
     EXPECT_EQ(Pixels("wide.png"), (std::vector{kRed, kCyan, kCyan})) << "the first is outside";
 
-    const Result inner = Run("imgbasic nega in.ora -o in1.ora --layer 1 --sub-layer 0");
-    EXPECT_EQ(inner.status, 0) << inner.err;
+    RunWell("imgbasic nega in.ora -o in1.ora --layer 1 --sub-layer 0");
     std::string stack = kStack;
     stack.replace(stack.find("data/shared.png"), 15, "data/layer1.png");
     Entries want = Others("in.ora", "stack.xml");
@@ -67,10 +65,9 @@ TEST_F(ForeignOpenRaster, ARunChangesOnlyTheLayerThatItWasGiven) {
 }
 
 TEST_F(ForeignOpenRaster, NewLayersStandAtTheirPlaceAmongWhatWasThere) {
-    const Result result =
-        Run("imgbasic chan_decomp in.ora -o out.ora --layer 1 --sub-layer 0 &&"
-            "imgbasic info out.ora");
-    EXPECT_EQ(result.status, 0) << result.err;
+    const Result result = RunWell(
+        "imgbasic chan_decomp in.ora -o out.ora --layer 1 --sub-layer 0 &&"
+        "imgbasic info out.ora");
     EXPECT_THAT(result.out, HasSubstr("  1 4"));
     const std::string stack = ZipEntry("out.ora", "stack.xml");
     const std::string before = "isolation=\"isolate\">\n    ";
@@ -101,8 +98,7 @@ TEST_F(ForeignOpenRaster, ALossIsRefusedUnlessAccepted) {
         EXPECT_EQ(refused.status, 1) << command;
         EXPECT_THAT(refused.err, HasSubstr(test.message));
         EXPECT_THAT(refused.err, HasSubstr("--accept-loss"));
-        const Result accepted = Run(command + " --accept-loss");
-        EXPECT_EQ(accepted.status, 0) << accepted.err;
+        const Result accepted = RunWell(command + " --accept-loss");
         EXPECT_THAT(accepted.err, HasSubstr(test.message));
     }
     EXPECT_EQ(Run("imgbasic scaling in.ora -o c.png --width 6").status, 0)

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <unistd.h>
-#include <zip.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -16,7 +15,9 @@
 #include <vector>
 
 #include "host/document.h"
+#include "host/file_metadata.h"
 #include "host/image_file.h"
+#include "host/openraster_archive.h"
 
 namespace imgbasic::host {
 
@@ -56,31 +57,20 @@ class FileTest : public testing::Test {
     using Entries = std::vector<std::pair<std::string, std::string>>;
 
     void WriteZip(const std::string& name, const Entries& entries) const {
-        zip_t* const zip = zip_open(Path(name).c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
-        ASSERT_NE(zip, nullptr);
+        ZipWriter archive(name);
         for (const auto& [entry, content] : entries) {
-            zip_source_t* const source = zip_source_buffer(zip, content.data(), content.size(), 0);
-            ASSERT_GE(zip_file_add(zip, entry.c_str(), source, ZIP_FL_ENC_UTF_8), 0);
+            archive.Add(entry, MetadataBytes(content), ZIP_CM_DEFLATE);
         }
-        ASSERT_EQ(zip_close(zip), 0);
+        WriteBytes(name, std::string(TextOf(archive.Finish())));
     }
 
     /// Sorted by name.
     Entries ReadZip(const std::string& name) const {
         Entries entries;
-        zip_t* const zip = zip_open(Path(name).c_str(), ZIP_RDONLY, nullptr);
-        for (zip_uint64_t index = 0; zip != nullptr; ++index) {
-            zip_stat_t stat;
-            if (zip_stat_index(zip, index, 0, &stat) != 0) {
-                break;
-            }
-            std::string content(stat.size, '\0');
-            zip_file_t* const file = zip_fopen_index(zip, index, 0);
-            EXPECT_EQ(zip_fread(file, content.data(), stat.size), static_cast<int64_t>(stat.size));
-            zip_fclose(file);
-            entries.emplace_back(stat.name, std::move(content));
+        const ZipReader archive(Path(name).string());
+        for (const ZipReader::Entry& entry : archive.Entries()) {
+            entries.emplace_back(entry.name, TextOf(archive.Content(entry, name)));
         }
-        zip_discard(zip);
         std::ranges::sort(entries);
         return entries;
     }

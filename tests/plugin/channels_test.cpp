@@ -1,24 +1,30 @@
+#include <gtest/gtest.h>
+
 #include <climits>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "plugin/imgbasic/chan_decomp.h"
 #include "plugin/imgbasic/chan_merge.h"
 #include "plugin/imgbasic/message_box.h"
-#include "tests/plugin/filter_run.h"
 
 namespace imgbasic {
 namespace {
 
 TEST(ChannelDecompose, ReportsItsEndOnceInEveryRun) {
-    FilterRun<ChannelDecomposeImageProcess> run(1, 1, {{}}, {{}});
+    ChannelDecomposeImageProcess process;
     for (int pass = 0; pass < 2; ++pass) {
-        run.process.curLayer = 5;
-        run.process.Dialog([] { return true; });
+        process.curLayer = 5;
+        process.Dialog([] { return true; });
         for (const uint32_t expected : {2U, 2U, 2U, 2U, 1U, 0U}) {
-            run.resultCode = 0;
-            EXPECT_TRUE(run.process.Execute(run.Args(run.process.curLayer, -1, nullptr)));
-            EXPECT_EQ(run.resultCode, expected);
+            uint32_t code = 0;
+            ExecuteArgs args{};
+            args.layer = process.curLayer;
+            args.subLayer = -1;
+            args.resultCode = &code;
+            EXPECT_TRUE(process.Execute(args));
+            EXPECT_EQ(code, expected);
         }
     }
 }

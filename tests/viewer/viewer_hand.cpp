@@ -39,7 +39,7 @@ std::vector<std::wstring> WithBoxesAnswered(const std::function<void()>& work, i
             if (box == nullptr) {
                 continue;
             }
-            texts.push_back(TextIn(GetDlgItem(box, kTextId)));
+            texts.push_back(TextIn(box) + L": " + TextIn(GetDlgItem(box, kTextId)));
             while (!over && IsWindow(box) != FALSE) {
                 PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
                 std::this_thread::sleep_for(kPause);

@@ -9,7 +9,7 @@
 namespace imgbasic::viewer {
 
 /// Does `work` while another thread presses `button` in every message box that comes up; what the
-/// boxes said.
+/// boxes said, each behind its caption and a colon.
 std::vector<std::wstring> WithBoxesAnswered(const std::function<void()>& work, int button,
                                             DWORD process = GetCurrentProcessId());
 

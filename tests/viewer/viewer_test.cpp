@@ -12,36 +12,29 @@ constexpr int kPreview = 1303;
 
 struct FilterCase {
     const char* filter;
-    const wchar_t* caption;  ///< null without a dialog
     std::vector<std::pair<const char*, int32_t>> options;
-    Script change;  ///< enters the options by hand
+    Script change;  ///< enters the options by hand; null without a dialog
 };
 
 const FilterCase kCases[] = {
     {"gray",
-     L"グレースケール",
      {{"CalcMode", 2}, {"ColorMode", 7}, {"TargetType", 1}},
      [](const DialogHand& hand) {
          hand.Pick(1003, 2);
          hand.Pick(1004, 7);
          hand.Pick(1002, 1);
      }},
-    {"mono", L"2階調化", {{"Threshold", 90}}, [](const DialogHand& hand) { hand.Slide(1300, 90); }},
-    {"nega",
-     L"階調の反転",
-     {{"TargetType", 2}},
-     [](const DialogHand& hand) { hand.Pick(1002, 2); }},
-    {"chan_decomp", nullptr, {}, nullptr},
-    {"chan_merge", nullptr, {}, nullptr},
+    {"mono", {{"Threshold", 90}}, [](const DialogHand& hand) { hand.Slide(1300, 90); }},
+    {"nega", {{"TargetType", 2}}, [](const DialogHand& hand) { hand.Pick(1002, 2); }},
+    {"chan_decomp", {}, nullptr},
+    {"chan_merge", {}, nullptr},
     {"col_reduce",
-     L"減色",
      {{"ReduceColor", 5}, {"DitherType", 1}},
      [](const DialogHand& hand) {
          hand.Type(1004, L"5");
          hand.Pick(1012, 1);
      }},
     {"scaling",
-     L"拡大縮小",
      {{"RatioSize", 0}, {"newWidth", 90}, {"newHeight", 60}, {"InterType", 0}},
      [](const DialogHand& hand) {
          hand.Type(1320, L"90");
@@ -62,10 +55,10 @@ TEST_F(Viewer, ShowsAndSavesOfEveryFilterWhatTheDriverGives) {
         const Document source = Shown();
         const Document expected = Expected(source, test.filter, options);
         runs = 0;
-        if (test.caption == nullptr) {
+        if (test.change == nullptr) {
             DoFilter(test.filter);
         } else {
-            WithDialog(test.caption, test.filter, [&](const DialogHand& hand) {
+            WithDialog(test.filter, [&](const DialogHand& hand) {
                 test.change(hand);
                 if (std::string(test.filter) != "scaling") {
                     hand.Click(kPreview);
@@ -91,7 +84,7 @@ TEST_F(Viewer, CancellingAPreviewLeavesEverythingAsItWas) {
     ASSERT_TRUE(window_->SaveTo(folder_ / "before.ora"));
     UpdateWindow(window_->Canvas().Handle());
     const ScreenPart before = ReadBack(window_->Canvas().Handle());
-    WithDialog(L"階調の反転", "nega", [&](const DialogHand& hand) {
+    WithDialog("nega", [&](const DialogHand& hand) {
         hand.Click(kPreview);
         EXPECT_NE(ReadBack(window_->Canvas().Handle()).pixels, before.pixels);
         hand.Click(IDCANCEL);
@@ -106,7 +99,7 @@ TEST_F(Viewer, CancellingAPreviewLeavesEverythingAsItWas) {
 
 TEST_F(Viewer, RepeatsWithTheSameOptionsAndGoesBackAndForth) {
     const Document source = Shown();
-    WithDialog(L"拡大縮小", "scaling", [&](const DialogHand& hand) {
+    WithDialog("scaling", [&](const DialogHand& hand) {
         hand.Click(1318);
         hand.Type(1273, L"50");
         hand.Click(IDOK);
@@ -114,7 +107,7 @@ TEST_F(Viewer, RepeatsWithTheSameOptionsAndGoesBackAndForth) {
     const Document once = Shown();
     Do(kRepeat);
     EXPECT_EQ(Shown().width, source.width / 4) << "percentages are of the new picture";
-    WithDialog(L"グレースケール", "gray", [&](const DialogHand& hand) {
+    WithDialog("gray", [&](const DialogHand& hand) {
         hand.Pick(1003, 4);
         hand.Pick(1002, 1);
         hand.Click(IDOK);
@@ -171,7 +164,7 @@ TEST_F(Viewer, RunsABatchInWhichABadFileCostsThatFile) {
     fs::create_directories(folder_ / "out");
     std::wstring report;
     WithHand(
-        L"2階調化",
+        "mono",
         [&] {
             RunBatch(module_, window_->Handle(),
                      {"mono",

@@ -11,6 +11,9 @@
 #include <thread>
 #include <utility>
 
+#include "lib/base/wide_text.h"
+#include "plugin/imgbasic/filter_table.h"
+
 namespace imgbasic {
 namespace {
 
@@ -49,11 +52,11 @@ bool GetThrough(HWND frame) {
     return Until([&] { return pulses != before || !IsWindow(frame); });
 }
 
-void Drive(const wchar_t* caption, const std::atomic<bool>& over, const Script& script) {
+void Drive(const std::wstring& caption, const std::atomic<bool>& over, const Script& script) {
     HWND frame = nullptr;
     HWND dialog = nullptr;
     const bool found = Until([&] {
-        frame = FindWindowW(L"brelo2 plugin", caption);
+        frame = FindWindowW(L"brelo2 plugin", caption.c_str());
         dialog = FindWindowExW(frame, nullptr, L"#32770", nullptr);
         return over || (dialog != nullptr && IsWindowVisible(frame));
     });
@@ -75,7 +78,8 @@ void Drive(const wchar_t* caption, const std::atomic<bool>& over, const Script& 
 
 }  // namespace
 
-bool WithHand(const wchar_t* caption, const std::function<bool()>& open, const Script& script) {
+bool WithHand(const char* filter, const std::function<bool()>& open, const Script& script) {
+    const std::wstring caption = WideFromUtf8(FindFilter(filter)->displayName.utf8);
     pulse =
         CreateWindowExW(0, L"Static", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     SetWindowLongPtrW(pulse, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(CountPulses));

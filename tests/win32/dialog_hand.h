@@ -41,10 +41,9 @@ class DialogHand {
 
 using Script = std::function<void(const DialogHand& hand)>;
 
-/// Runs `open`, which is to show the dialog with this caption, while `script` works it. A dialog
-/// that is still open afterwards fails the test and is closed; one that cannot be ends the
-/// program.
-bool WithHand(const wchar_t* caption, const std::function<bool()>& open, const Script& script);
+/// Runs `open`, which is to show the dialog of this filter, while `script` works it. A dialog that
+/// is still open afterwards fails the test and is closed; one that cannot be ends the program.
+bool WithHand(const char* filter, const std::function<bool()>& open, const Script& script);
 
 /// The host of the running test.
 struct ScriptedHost {

@@ -22,20 +22,19 @@ int Open(const char* filter, ApplyCallback apply, HWND owner = nullptr) {
 }
 
 /// True when the dialog is confirmed.
-bool IsConfirmed(const char* filter, ApplyCallback apply, const wchar_t* caption,
-                 const Script& script, HWND owner = nullptr) {
+bool IsConfirmed(const char* filter, ApplyCallback apply, const Script& script,
+                 HWND owner = nullptr) {
     const auto open = [&] {
         const int result = Open(filter, apply, owner);
         EXPECT_TRUE(result == 1 || result == -1);
         return result == 1;
     };
-    return WithHand(caption, open, script);
+    return WithHand(filter, open, script);
 }
 
 /// One dialog with what it shows and stores.
 struct DialogCase {
     const char* filter;
-    const wchar_t* caption;
     const wchar_t* defaults;
     const char* good;          ///< stored numbers, as few of them a default as can be
     const wchar_t* goodShown;  ///< with them
@@ -43,11 +42,10 @@ struct DialogCase {
 };
 
 const DialogCase kDialogs[] = {
-    {"nega", L"階調の反転", L"1=実行 2=中止 1002=結合した画像 1303=プレビュー", "TargetType=2",
+    {"nega", L"1=実行 2=中止 1002=結合した画像 1303=プレビュー", "TargetType=2",
      L"1=実行 2=中止 1002=カレントレイヤー 1303=プレビュー",
      [](const DialogHand& hand) { hand.Pick(1002, 2); }},
-    {"gray", L"グレースケール",
-     L"1=実行 2=中止 1002=結合した画像 1003=明度平均 1004=白 1303=プレビュー",
+    {"gray", L"1=実行 2=中止 1002=結合した画像 1003=明度平均 1004=白 1303=プレビュー",
      "CalcMode=9 ColorMode=8 TargetType=1",
      L"1=実行 2=中止 1002=全レイヤー 1003=色差・赤(Cr) 1004=背景色 1303=プレビュー",
      [](const DialogHand& hand) {
@@ -55,15 +53,14 @@ const DialogCase kDialogs[] = {
          hand.Pick(1004, 8);
          hand.Pick(1002, 1);
      }},
-    {"mono", L"2階調化",
-     L"1=実行 2=中止 1002=結合した画像 1300=128 1301=128 1302=128 1303=プレビュー",
+    {"mono", L"1=実行 2=中止 1002=結合した画像 1300=128 1301=128 1302=128 1303=プレビュー",
      "Threshold=255 TargetType=2",
      L"1=実行 2=中止 1002=カレントレイヤー 1300=255 1301=255 1302=255 1303=プレビュー",
      [](const DialogHand& hand) {
          hand.Slide(1300, 255);
          hand.Pick(1002, 2);
      }},
-    {"col_reduce", L"減色",
+    {"col_reduce",
      L"1=実行 2=中止 1002=結合した画像 1003=16 1004=16 1005=16 1006=0 1007=0 "
      L"1012=誤差拡散(大) 1303=プレビュー",
      "ReduceColor=256 DitherType=1 TargetType=1 SharePalette=1 GraduateReduce=1",
@@ -76,7 +73,7 @@ const DialogCase kDialogs[] = {
          hand.Pick(1002, 1);
          hand.Click(1006);
      }},
-    {"scaling", L"拡大縮小",
+    {"scaling",
      L"1=変更 2=中止 1231=1 1273=(100) 1276=(100) 1277=(100) 1279=(100) 1303=1 1317=1 1318=0 "
      L"1320=200 1321=100 1322=200 1323=100 1332=クリップ 1333=バイリニア 1393=(1)",
      "RatioSize=1 RatioWidth=300 RatioHeight=50 FixRatio=0 InterType=2 BoundaryType=2 "
@@ -108,7 +105,7 @@ class OptionsDialogs : public testing::TestWithParam<DialogCase> {
     const DialogCase& Case() const { return GetParam(); }
 
     bool OpenWith(ApplyCallback apply, const Script& script) const {
-        return IsConfirmed(Case().filter, apply, Case().caption, script);
+        return IsConfirmed(Case().filter, apply, script);
     }
 };
 
@@ -182,11 +179,11 @@ class OneDialog : public testing::Test {
 };
 
 bool OpenMono(ApplyCallback apply, const Script& script, HWND owner = nullptr) {
-    return IsConfirmed("mono", apply, L"2階調化", script, owner);
+    return IsConfirmed("mono", apply, script, owner);
 }
 
 bool OpenScaling(const Script& script) {
-    return IsConfirmed("scaling", ScriptedHost::Callback(), L"拡大縮小", script);
+    return IsConfirmed("scaling", ScriptedHost::Callback(), script);
 }
 
 TEST_F(OneDialog, ReadsANumberFieldAsItIsTyped) {
@@ -247,7 +244,7 @@ TEST_F(OneDialog, OfABatchTellsWhetherItWasCancelled) {
             return object != nullptr && ImagePluginBatchDispose("scaling", object);
         };
         const auto press = [=](const DialogHand& hand) { hand.Click(button); };
-        EXPECT_EQ(WithHand(L"拡大縮小", prepare, press), button == IDOK);
+        EXPECT_EQ(WithHand("scaling", prepare, press), button == IDOK);
         EXPECT_EQ(cancelled, button == IDOK ? 5 : 1);
     }
 }

@@ -9,7 +9,7 @@
 #include <sys/mman.h>
 #endif
 
-#include "fuzz/inflate_check.h"
+#include "fuzz/checks.h"
 #include "lib/base/log.h"
 #include "lib/base/platform.h"
 #include "lib/image/inflate/kv_inflate.h"

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <climits>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "lib/image/point/channels.h"
@@ -16,6 +17,44 @@ namespace {
 TEST(InvertTone, WrapsAboveFullScaleAndKeepsAlpha) {
     EXPECT_EQ(InvertTone({0, 0xFF00, 0x8000, 0x1234}), (RGBA16{0xFF00, 0, 0x7F00, 0x1234}));
     EXPECT_EQ(InvertTone({0xFFFF, 0xFF01, 1, 0}), (RGBA16{0xFF01, 0xFFFF, 0xFEFF, 0}));
+}
+
+TEST(GrayRow, GivesTheWorkedNumbers) {
+    constexpr uint16_t kF = kFullScale;
+    const struct {
+        int32_t calcMode;
+        uint32_t tint;
+        RGBA16 pixel, result;
+    } cases[] = {
+        {0, 0xFFFFFF, {100, 900, 401, kF}, {498, 498, 498, kF}},           // 500
+        {1, 0xFFFFFF, {100, 900, 401, kF}, {465, 465, 465, kF}},           // 467
+        {2, 0xFFFFFF, {kF, 0, 0, kF}, {19434, 19434, 19434, kF}},          // 19511
+        {2, 0xFFFFFF, {1, 2, 3, 0}, {0xFE01, 0xFE01, 0xFE01, 0}},          // 0xFF00
+        {3, 0xFFFFFF, {0x1281, 0x80, 0, kF}, {4845, 4845, 4845, kF}},      // 0x1300
+        {4, 0x0180FE, {kF, 0, 0, kF}, {255, 0x80 * 255, 0xFE * 255, kF}},  // 0xFF00
+        {5, 0x0180FE, {0, kF, 0, kF}, {255, 0x80 * 255, 0xFE * 255, kF}},
+        {6, 0x0180FE, {0, 0, kF, kF}, {255, 0x80 * 255, 0xFE * 255, kF}},
+        {7, 0xFFFFFF, {kF, 0x8000, 0, kF}, {0xFE01, 0xFE01, 0xFE01, kF}},  // 0xFF00
+        {8, 0xFFFFFF, {kF, 0, 0, kF}, {21538, 21538, 21538, kF}},          // 21623
+        {9, 0xFFFFFF, {kF, 0, 0, kF}, {5286, 5286, 5286, kF}},             // 5307
+        {10, 0xFFFFFF, {kF, 0, 0, 77}, {0, 0, 0, 77}},
+    };
+    for (const auto& c : cases) {
+        RGBA16 result{};
+        GrayRowFor(c.calcMode)(&result, &c.pixel, 1, c.tint, Store::Cached);
+        EXPECT_EQ(result, c.result) << c.calcMode;
+    }
+}
+
+TEST(TwoLevels, CompareRedAloneOverTransparentWhite) {
+    for (const auto& [pixel, white] : {std::pair(RGBA16{0x8000, 0, 0, kFullScale}, true),
+                                       {{0x7FFF, 0xFF00, 0xFF00, kFullScale}, false},
+                                       {{1, 2, 3, 0}, true},
+                                       {{0, 0, 0, 0x7F80}, false}}) {
+        RGBA16 result{};
+        ToTwoLevels(&result, &pixel, 1, 0x8000, Store::Cached);
+        EXPECT_EQ(result.r, white ? kFullScale : 0);
+    }
 }
 
 TEST(PercentOf, TruncatesAndWrapsHostilePercentages) {
