@@ -103,39 +103,60 @@ AverageColumns FindColumns(const ResampleAxis& axis) {
 }
 
 /// What the forms keep for rows of the same weights, see AverageRow.
-class OpaqueMeans {
-  public:
-    OpaqueMeans(size_t columns, size_t mostTaps) : scales_(columns), alphas_(columns) {
-        weights_.reserve(mostTaps);
+struct OpaqueMeans {
+    std::vector<double> scales;
+    std::vector<double> alphas;
+    std::vector<AverageTap> weights;
+    double coverage = 0;
+    bool areUsed = false;
+
+    OpaqueMeans(size_t columns, size_t mostTaps) : scales(columns), alphas(columns) {
+        weights.reserve(mostTaps);
     }
 
-    /// Whether a row is weighted as the one before it. If not, what was kept is forgotten.
-    bool IsRepeated(const std::vector<AverageTap>& taps, double coverage) {
+    bool AreOf(const std::vector<AverageTap>& taps, double rowCoverage) const {
         const auto isSame = [](const AverageTap& a, const AverageTap& b) {
             return a.weight == b.weight && (a.pixels == nullptr) == (b.pixels == nullptr);
         };
-        if (coverage == coverage_ && std::ranges::equal(taps, weights_, isSame)) {
-            isUsed_ = true;
-            return true;
+        return rowCoverage == coverage && std::ranges::equal(taps, weights, isSame);
+    }
+};
+
+/// Those of the last rows that had weights of their own. To 50 % all rows have the same, to 40 %
+/// every second one, to 75 % every third.
+class LastOpaqueMeans {
+  public:
+    LastOpaqueMeans(size_t columns, size_t mostTaps) {
+        last_.reserve(kRows);
+        while (last_.size() < kRows) {
+            last_.emplace_back(columns, mostTaps);
         }
-        if (isUsed_) {
-            std::ranges::fill(scales_, 0);
-            isUsed_ = false;
-        }
-        weights_ = taps;
-        coverage_ = coverage;
-        return false;
     }
 
-    double* Scales() { return scales_.data(); }
-    double* Alphas() { return alphas_.data(); }
+    /// What is kept for rows of these weights; null when this is the first, of which nothing is
+    /// kept yet.
+    OpaqueMeans* Find(const std::vector<AverageTap>& taps, double coverage) {
+        for (OpaqueMeans& means : last_) {
+            if (means.AreOf(taps, coverage)) {
+                means.areUsed = true;
+                return &means;
+            }
+        }
+        OpaqueMeans& oldest = last_[next_++ % last_.size()];
+        if (oldest.areUsed) {
+            std::ranges::fill(oldest.scales, 0);
+            oldest.areUsed = false;
+        }
+        oldest.weights = taps;
+        oldest.coverage = coverage;
+        return nullptr;
+    }
 
   private:
-    std::vector<double> scales_;
-    std::vector<double> alphas_;
-    std::vector<AverageTap> weights_;  ///< of the row before
-    double coverage_ = 0;
-    bool isUsed_ = false;
+    static constexpr size_t kRows = 4;
+
+    std::vector<OpaqueMeans> last_;
+    size_t next_ = 0;
 };
 
 }  // namespace
@@ -171,7 +192,7 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
     const ResampleAxis& rows = resampling->rows;
     const AverageColumns columns = FindColumns(resampling->columns);
     // All memory is there before the first pixel is drawn: running out of it changes nothing.
-    OpaqueMeans means(columns.count, MostTaps(rows));
+    LastOpaqueMeans lastMeans(columns.count, MostTaps(rows));
     std::vector<AverageTap> taps;
     taps.reserve(MostTaps(rows));
     for (size_t j = 0; j < rows.Count(); ++j) {
@@ -181,7 +202,7 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
             taps.push_back(
                 {rows.IsInClip(index) ? SourceRow(source, index) : nullptr, span.Weight(index)});
         }
-        const bool isRepeated = means.IsRepeated(taps, rows.coverage[j]);
+        OpaqueMeans* const means = lastMeans.Find(taps, rows.coverage[j]);
         const bool isWhole = std::ranges::all_of(
             taps, [](const AverageTap& tap) { return tap.pixels != nullptr && tap.weight == 1; });
         const AverageRow row{resampling->TargetRow(destination, j),
@@ -194,8 +215,8 @@ void ResampleAverage(const ResampleTarget& destination, const ResampleSource& so
                              columns.pixelWeights.data(),
                              columns.opaqueShares.data(),
                              columns.runs.data(),
-                             isRepeated ? means.Scales() : nullptr,
-                             isRepeated ? means.Alphas() : nullptr,
+                             means != nullptr ? means->scales.data() : nullptr,
+                             means != nullptr ? means->alphas.data() : nullptr,
                              isWhole,
                              resampling->columns.coverage.data(),
                              rows.coverage[j],

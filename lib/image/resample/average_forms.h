@@ -42,7 +42,7 @@ struct AverageRow {
     const double* pixelWeights;
     const double* opaqueShares;  ///< what opaque pixels add to an alpha sum in a row of weight 1
     const AverageColumnRun* runs;
-    double* opaqueScales;  ///< null in a row weighted otherwise than the one before it
+    double* opaqueScales;  ///< null in a row weighted otherwise than the last ones
     double* opaqueAlphas;
     bool isWhole;  ///< all source rows have pixels and the weight 1
     const double* coverage;

@@ -86,9 +86,9 @@ Image NearlyOpaque(int32_t width, int32_t height) {
     return Image(std::move(picture));
 }
 
-/// Of whole multiples, whose rows and columns are weighted alike.
+/// Of ratios whose rows and columns are weighted alike, all or every second or third.
 TEST_P(Resample, DrawsRegularRatiosAsTheScalarForm) {
-    constexpr int32_t kHeight = 20;
+    constexpr int32_t kHeight = 24;
     const auto expectEqual = [&](Kernel kernel, const Image& source, const Image& size) {
         Image drawn(size.width, size.height, RGBA16{});
         Image expected = drawn;
@@ -114,8 +114,9 @@ TEST_P(Resample, DrawsRegularRatiosAsTheScalarForm) {
     };
     for (const int32_t width : {64, 75}) {
         const Image small = NearlyOpaque(width, kHeight);
-        for (const int32_t ratio : {2, 3, 4}) {
-            const Image large = NearlyOpaque(ratio * width, ratio * kHeight);
+        for (const double ratio : {2.0, 3.0, 4.0, 2.5, 4.0 / 3}) {
+            const Image large = NearlyOpaque(static_cast<int32_t>(ratio * width),
+                                             static_cast<int32_t>(ratio * kHeight));
             for (const Kernel kernel : kKernels) {
                 expectEqual(kernel, large, small);
                 expectEqual(kernel, small, large);
