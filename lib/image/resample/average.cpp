@@ -142,7 +142,7 @@ class LastOpaqueMeans {
                 return &means;
             }
         }
-        OpaqueMeans& oldest = last_[next_++ % last_.size()];
+        OpaqueMeans& oldest = last_[next_++ % kRows];
         if (oldest.areUsed) {
             std::ranges::fill(oldest.scales, 0);
             oldest.areUsed = false;
