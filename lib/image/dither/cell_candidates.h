@@ -17,17 +17,11 @@ struct CellRange {
 
 /// One of the entries that are compared with the colours of a cell.
 struct Candidate {
-    uint8_t index;           ///< of the palette entry
-    uint32_t color;          ///< without the channels that are no part of the distance
-    int32_t fromMiddle = 0;  ///< DropHopeless's: how far from the middle of the cell
+    uint8_t index;   ///< of the palette entry
+    uint32_t color;  ///< without the channels that are no part of the distance
 };
 
-/// Four times the squared distance of a colour from the middle of a cell, which may lie between two
-/// levels.
-int32_t DistanceFromMiddle(uint32_t color, const CellRange& cell);
-
 /// Whether the rival b drives the entry e out: whether it is closer to every colour of the cell.
-/// Both have their distances from the middle filled in.
 ///
 /// Per channel, with c the middle of the cell and q = c + t the colour, t from -length / 2 to
 /// length / 2:
@@ -39,10 +33,10 @@ int32_t DistanceFromMiddle(uint32_t color, const CellRange& cell);
 /// is the sum of theirs. When it is negative, e is never the closest in the cell, nor as close as
 /// the closest, nor at distance zero. Whatever e drives out is driven out by b as well, so that it
 /// does not matter in what order entries go.
-bool DrivesOut(const Candidate& rival, const Candidate& entry, const CellRange& cell);
+bool DrivesOut(uint32_t rival, uint32_t entry, const CellRange& cell);
 
-/// Drops candidates that others drive out, until at most `enough` are left or hardly more can be
-/// found. Those that stay keep their order.
+/// Drops candidates, of at most a whole palette, that others drive out, until at most `enough` are
+/// left or hardly more can be found. Those that stay keep their order.
 void DropHopeless(std::vector<Candidate>& candidates, const CellRange& cell, size_t enough);
 
 }  // namespace imgbasic

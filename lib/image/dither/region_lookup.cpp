@@ -43,18 +43,32 @@ CellRange RegionAround(uint32_t guess, Reach reach) {
     return region;
 }
 
-/// Whether the entry's cell of the grid is one that the region has a part in, or touches one.
-bool IsNear(uint32_t color, const CellRange& region) {
-    constexpr int kGridWidth = kGridLength + 1;
-    for (size_t channel = 0; channel < kColorChannels; ++channel) {
-        const int first = region.floor[channel] & ~kGridLength;
-        const int last = (region.floor[channel] + region.length[channel]) & ~kGridLength;
-        const int level = ChannelOf(color, channel);
-        if (level < first - kGridWidth || level >= last + 2 * kGridWidth) {
-            return false;
+/// The cells of the grid that a region has a part in or that touch one, by their levels in each
+/// channel.
+struct Surroundings {
+    std::array<int, kColorChannels> first;
+    std::array<int, kColorChannels> last;
+
+    bool Contains(uint32_t color) const {
+        for (size_t channel = 0; channel < kColorChannels; ++channel) {
+            const int level = ChannelOf(color, channel) >> (8 - CandidateGrid::kBits);
+            if (level < first[channel] || level > last[channel]) {
+                return false;
+            }
         }
+        return true;
     }
-    return true;
+};
+
+Surroundings SurroundingsOf(const CellRange& region) {
+    constexpr int kShift = 8 - CandidateGrid::kBits;
+    Surroundings around{};
+    for (size_t channel = 0; channel < kColorChannels; ++channel) {
+        const int floor = region.floor[channel];
+        around.first[channel] = (floor >> kShift) - 1;
+        around.last[channel] = ((floor + region.length[channel]) >> kShift) + 1;
+    }
+    return around;
 }
 
 /// What of a region lies in one cell of the grid: by the bits of `corner` the upper or the lower of
@@ -79,7 +93,11 @@ RegionLookup::RegionLookup(const ReducePalette& palette)
     if (!palette.grid && palette.alphaMode != AlphaMode::First &&
         palette.entries.size() <= RegionBlock::kSize) {
         const CellRange everything{{}, {255, 255, 255, 255}};
-        blocks_.push_back(BlockOf(ListCandidates(everything), everything));
+        std::vector<Candidate> candidates;
+        for (size_t i = 0; i < palette.entries.size(); ++i) {
+            candidates.push_back(CandidateOf(i));
+        }
+        blocks_.push_back(BlockOf(candidates, everything));
         std::ranges::fill(numbers_, kMostAsked + 1);
     }
 }
@@ -124,14 +142,30 @@ std::optional<RegionBlock> RegionLookup::MakeBlock(uint32_t guess) const {
     return std::nullopt;
 }
 
-/// All entries, or of a palette with a grid those that can be candidates in a cell of the region.
-std::vector<Candidate> RegionLookup::ListCandidates(const CellRange& region) const {
+Candidate RegionLookup::CandidateOf(size_t index) const {
     const uint32_t mask = palette_.alphaMode == AlphaMode::Axis ? 0xFFFFFFFF : 0x00FFFFFF;
+    return {static_cast<uint8_t>(index), palette_.entries[index].Word() & mask};
+}
+
+/// The entries that can be candidates in a cell of the grid that the region has a part in.
+std::vector<Candidate> RegionLookup::ListCandidates(const CellRange& region) const {
+    std::array<uint8_t, kMaxPaletteEntries> touches;
+    touches.fill(1);
+    const Surroundings around = SurroundingsOf(region);
+    for (size_t channel = 0; channel < kColorChannels; ++channel) {
+        const auto& levels = palette_.grid->levels[channel];
+        const auto first = static_cast<uint8_t>(around.first[channel]);
+        const auto length = static_cast<uint8_t>(around.last[channel] - around.first[channel]);
+        for (size_t i = 0; i < kMaxPaletteEntries; ++i) {
+            const auto above = static_cast<uint8_t>(levels[i] - first);
+            touches[i] &= static_cast<uint8_t>(above <= length);
+        }
+    }
     std::vector<Candidate> candidates;
+    candidates.reserve(kMaxPaletteEntries);
     for (size_t i = 0; i < palette_.entries.size(); ++i) {
-        const uint32_t color = palette_.entries[i].Word();
-        if (!palette_.grid || IsNear(color, region)) {
-            candidates.push_back({static_cast<uint8_t>(i), color & mask});
+        if (touches[i] != 0) {
+            candidates.push_back(CandidateOf(palette_.grid->order[i]));
         }
     }
     return candidates;
@@ -139,30 +173,29 @@ std::vector<Candidate> RegionLookup::ListCandidates(const CellRange& region) con
 
 bool RegionLookup::FitsGrid(std::span<const Candidate> candidates, const CellRange& region) const {
     constexpr uint32_t kCorners = 1 << kColorChannels;
-    if (palette_.alphaMode == AlphaMode::First) {
+    if (palette_.alphaMode == AlphaMode::First || candidates.empty()) {
         return false;
     }
+    std::vector<uint32_t> nearColors;
+    std::vector<uint32_t> farColors;
     for (uint32_t corner = 0; corner < kCorners; ++corner) {
         const CellRange part = PartOf(region, corner);
         if (std::ranges::any_of(part.length, [](int length) { return length < 0; })) {
             continue;
         }
-        std::array<Candidate, RegionBlock::kSize> entries;
-        std::ranges::copy(candidates, entries.begin());
-        const auto used = std::span(entries).first(candidates.size());
-        for (Candidate& entry : used) {
-            entry.fromMiddle = DistanceFromMiddle(entry.color, part);
-        }
         // The candidates of a cell are at least all entries near to it, if there are any.
-        const auto far = std::partition(used.begin(), used.end(), [&](const Candidate& entry) {
-            return IsNear(palette_.entries[entry.index].Word(), part);
-        });
-        const bool fits = std::all_of(far, used.end(), [&](const Candidate& entry) {
-            return std::any_of(used.begin(), far, [&](const Candidate& rival) {
-                return DrivesOut(rival, entry, part);
-            });
-        });
-        if (far == used.begin() || !fits) {
+        const Surroundings around = SurroundingsOf(part);
+        nearColors.clear();
+        farColors.clear();
+        for (const Candidate& candidate : candidates) {
+            const bool isNear = around.Contains(palette_.entries[candidate.index].Word());
+            (isNear ? nearColors : farColors).push_back(candidate.color);
+        }
+        const auto isDrivenOut = [&](uint32_t entry) {
+            return std::ranges::any_of(
+                nearColors, [&](uint32_t rival) { return DrivesOut(rival, entry, part); });
+        };
+        if (!std::ranges::all_of(farColors, isDrivenOut)) {
             return false;
         }
     }

@@ -50,7 +50,7 @@ class RegionLookup {
   public:
     // Files compiled for an instruction set use this class: everything is defined out of line.
     /// Making a block takes as long as some hundred look-ups without one.
-    static constexpr uint16_t kMostAsked = 256;
+    static constexpr uint16_t kMostAsked = 64;
     /// The palette must be finished, have 1 to kMaxPaletteEntries entries, live as long and stay as
     /// it is.
     explicit RegionLookup(const ReducePalette& palette);
@@ -69,6 +69,7 @@ class RegionLookup {
 
   private:
     std::optional<RegionBlock> MakeBlock(uint32_t guess) const;
+    Candidate CandidateOf(size_t index) const;
     std::vector<Candidate> ListCandidates(const CellRange& region) const;
     bool FitsGrid(std::span<const Candidate> candidates, const CellRange& region) const;
     RegionBlock BlockOf(std::span<const Candidate> candidates, const CellRange& region) const;
