@@ -7,7 +7,8 @@ namespace imgbasic {
 namespace {
 
 constexpr int kGuessLength = (1 << 4) - 1;
-constexpr int kGridLength = (1 << (8 - CandidateGrid::kBits)) - 1;
+constexpr int kGridShift = 8 - CandidateGrid::kBits;
+constexpr int kGridLength = (1 << kGridShift) - 1;
 constexpr size_t kGuessCells = size_t{1} << 15;
 
 /// Few pictures have colours in as many regions; for the guesses of further ones there is no block.
@@ -51,7 +52,7 @@ struct Surroundings {
 
     bool Contains(uint32_t color) const {
         for (size_t channel = 0; channel < kColorChannels; ++channel) {
-            const int level = ChannelOf(color, channel) >> (8 - CandidateGrid::kBits);
+            const int level = ChannelOf(color, channel) >> kGridShift;
             if (level < first[channel] || level > last[channel]) {
                 return false;
             }
@@ -61,12 +62,11 @@ struct Surroundings {
 };
 
 Surroundings SurroundingsOf(const CellRange& region) {
-    constexpr int kShift = 8 - CandidateGrid::kBits;
     Surroundings around{};
     for (size_t channel = 0; channel < kColorChannels; ++channel) {
         const int floor = region.floor[channel];
-        around.first[channel] = (floor >> kShift) - 1;
-        around.last[channel] = ((floor + region.length[channel]) >> kShift) + 1;
+        around.first[channel] = (floor >> kGridShift) - 1;
+        around.last[channel] = ((floor + region.length[channel]) >> kGridShift) + 1;
     }
     return around;
 }
@@ -157,6 +157,7 @@ std::vector<Candidate> RegionLookup::ListCandidates(const CellRange& region) con
         const auto first = static_cast<uint8_t>(around.first[channel]);
         const auto length = static_cast<uint8_t>(around.last[channel] - around.first[channel]);
         for (size_t i = 0; i < kMaxPaletteEntries; ++i) {
+            // Below the first it wraps round.
             const auto above = static_cast<uint8_t>(levels[i] - first);
             touches[i] &= static_cast<uint8_t>(above <= length);
         }
